@@ -1,0 +1,22 @@
+/// Where the application keeps its files, and who the user is. Main thread.
+#pragma once
+
+#include <QString>
+
+namespace velorin {
+
+class ApplicationFolders {
+public:
+    virtual ~ApplicationFolders() = default;
+
+    /// The folder of history, capture log and models, without a trailing slash. It need not exist yet.
+    [[nodiscard]] virtual QString dataFolder() const = 0;
+
+    /// Where recordings lie while they wait to be sent; private to the user, memory-backed where it can be.
+    [[nodiscard]] virtual QString temporaryFolder() const = 0;
+
+    /// The user's full name, or the login name where none is known.
+    [[nodiscard]] virtual QString userFullName() const = 0;
+};
+
+} // namespace velorin

@@ -1,0 +1,22 @@
+/// Secrets by service and account. A locked, absent or silent store reads as "no item". Every call has a
+/// deadline of its own. Main thread.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace velorin {
+
+class SecretStore {
+public:
+    virtual ~SecretStore() = default;
+
+    [[nodiscard]] virtual std::optional<QByteArray> read(const QString& service, const QString& account) = 0;
+    /// True when the secret has been stored.
+    virtual bool add(const QString& service, const QString& account, const QByteArray& secret) = 0;
+    virtual void remove(const QString& service, const QString& account) = 0;
+};
+
+} // namespace velorin
