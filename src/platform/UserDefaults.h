@@ -2,6 +2,8 @@
 /// Encoded data (a JSON text) is stored as a string. Main thread.
 #pragma once
 
+#include "platform/Subscription.h"
+
 #include <QJsonValue>
 #include <QString>
 
@@ -20,6 +22,9 @@ public:
     /// memory.
     virtual void set(const QString& key, const QJsonValue& value) = 0;
     virtual void remove(const QString& key) = 0;
+
+    /// Changes made while the handle lives reach the disk together, when it is destroyed.
+    virtual Subscription groupChanges() = 0;
 };
 
 } // namespace velorin
