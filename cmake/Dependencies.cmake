@@ -10,6 +10,7 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET
 pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
 pkg_check_modules(SOXR REQUIRED IMPORTED_TARGET soxr)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
+include(${CMAKE_CURRENT_LIST_DIR}/SherpaOnnx.cmake)
 if(VELORIN_TESTS)
   find_package(GTest REQUIRED)
 endif()
