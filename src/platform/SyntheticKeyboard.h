@@ -1,7 +1,8 @@
 /// Keys that we press in the user's stead. Synchronous and short.
 #pragma once
 
-#include <QString>
+#include "platform/Pasteboard.h"
+#include "platform/RunningApplication.h"
 
 namespace velorin {
 
@@ -11,10 +12,14 @@ class SyntheticKeyboard {
 public:
     virtual ~SyntheticKeyboard() = default;
 
-    /// Posts the key combination for which the application of this kin copies or pastes; an empty kin
-    /// is that of an unknown application. Modifiers that the user holds do not take part in it. False when
-    /// nothing could be posted.
-    [[nodiscard]] virtual bool chord(Chord chord, const QString& kin) = 0;
+    /// Posts the key combination by which this application copies or pastes; none stands for an unknown
+    /// application. Programs of one kin may differ in their keys, so the whole application is asked for.
+    /// Modifiers that the user holds do not take part. False when nothing could be posted.
+    [[nodiscard]] virtual bool chord(Chord chord, const std::optional<RunningApplication>& application) = 0;
+
+    /// What the application will read when it gets the paste chord.
+    [[nodiscard]] virtual PasteboardSelection
+    pasteSource(const std::optional<RunningApplication>& application) const = 0;
 };
 
 } // namespace velorin

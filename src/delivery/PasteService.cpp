@@ -1,0 +1,109 @@
+#include "delivery/PasteService.h"
+
+#include <algorithm>
+
+namespace velorin {
+
+using namespace std::chrono_literals;
+
+PasteService::PasteService(Pasteboard& pasteboard, SyntheticKeyboard& keyboard, Trust& trust, Clock& clock)
+    : pasteboard_(pasteboard), keyboard_(keyboard), trust_(trust), clock_(clock) {}
+
+PasteService::~PasteService() {
+    for (const auto& paste : pastes_)
+        if (paste && !paste->saved.empty())
+            pasteboard_.restore(paste->selection, paste->saved, paste->changeCount);
+}
+
+bool PasteService::insert(const QString& text, const std::optional<RunningApplication>& target) {
+    if (text.isEmpty() || !trust_.isProcessTrusted())
+        return false;
+    const auto selection = keyboard_.pasteSource(target);
+    auto& paste = pasteOf(selection);
+    if (paste && isStillOurs(*paste) && !awaitEarlier(*paste))
+        return false;
+    auto saved = saveFor(selection);
+    if (!saved)
+        return false;
+    const auto count = pasteboard_.write(selection, text);
+    if (!count)
+        return false;
+    paste.reset(); // what it had saved is in `saved`, or lost to somebody's newer content
+    if (!keyboard_.chord(Chord::paste, target))
+        return false;
+    paste.emplace();
+    paste->selection = selection;
+    paste->saved = std::move(*saved);
+    paste->changeCount = *count;
+    paste->targetProcess = target ? target->processIdentifier : 0;
+    // The look before the one at which the content may come back tells whether the target is still reading:
+    // some read twice.
+    lookLater(selection, restoreDelay - lookInterval);
+    return true;
+}
+
+std::optional<PasteService::Paste>& PasteService::pasteOf(PasteboardSelection selection) {
+    return pastes_[selection == PasteboardSelection::clipboard ? 0 : 1];
+}
+
+bool PasteService::isStillOurs(const Paste& paste) {
+    return pasteboard_.changeCount(paste.selection) == paste.changeCount;
+}
+
+bool PasteService::wasRead(const Paste& paste) {
+    return std::ranges::any_of(pasteboard_.fetches(paste.selection), [&](const PasteboardFetch& fetch) {
+        if (fetch.processIdentifier == 0 || paste.targetProcess == 0)
+            return !fetch.isClipboardManager;
+        return fetch.processIdentifier == paste.targetProcess;
+    });
+}
+
+bool PasteService::awaitEarlier(const Paste& paste) {
+    // A target that has not yet read the first text would paste the second one twice.
+    const auto deadline = std::chrono::steady_clock::now() + earlierPasteDeadline;
+    for (;;) {
+        const auto known = pasteboard_.fetches(paste.selection).size();
+        if (wasRead(paste))
+            return true;
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (left <= 0ms || !pasteboard_.awaitFetch(paste.selection, known, left))
+            return false;
+    }
+}
+
+std::optional<PasteboardContents> PasteService::saveFor(PasteboardSelection selection) {
+    const auto& earlier = pasteOf(selection);
+    if (earlier && isStillOurs(*earlier))
+        return earlier->saved;
+    return pasteboard_.save(selection, saveDeadline);
+}
+
+void PasteService::lookLater(PasteboardSelection selection, std::chrono::milliseconds delay) {
+    auto& paste = *pasteOf(selection);
+    paste.waited += delay;
+    paste.nextLook = clock_.after(delay, [this, selection] { look(selection); });
+}
+
+void PasteService::look(PasteboardSelection selection) {
+    auto& paste = *pasteOf(selection);
+    const bool read = wasRead(paste);
+    const auto fetches = pasteboard_.fetches(selection).size();
+    const bool isQuiet = fetches == std::exchange(paste.knownFetches, fetches);
+    const bool isDone = paste.waited >= restoreDelay && read && isQuiet;
+    if (isDone || paste.waited >= fetchDeadline || !isStillOurs(paste))
+        finish(selection, read);
+    else
+        lookLater(selection, lookInterval);
+}
+
+void PasteService::finish(PasteboardSelection selection, bool read) {
+    // Moved out first: the callback may paste again.
+    const auto paste = std::exchange(pasteOf(selection), std::nullopt);
+    if (!paste->saved.empty())
+        pasteboard_.restore(selection, paste->saved, paste->changeCount);
+    if (!read && onUnverifiedPaste)
+        onUnverifiedPaste();
+}
+
+} // namespace velorin

@@ -1,0 +1,74 @@
+/// Puts text into the application in front by way of the clipboard: the user's content is saved, the text
+/// takes its place, the application is told to paste, and the content comes back.
+///
+///     PasteService paste(pasteboard, keyboard, trust, clock);
+///     if (paste.insert(text, target)) …   // handed over; nothing confirms yet that it was pasted
+///
+/// The content comes back `restoreDelay` after the keystroke, but not before the target has read the text,
+/// else a slow one would paste what the user had copied before. If nobody has read it after `fetchDeadline`,
+/// the content comes back all the same and `onUnverifiedPaste` is called. Whoever copies something
+/// meanwhile keeps that. Main thread.
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/Pasteboard.h"
+#include "platform/SyntheticKeyboard.h"
+#include "platform/Trust.h"
+
+#include <array>
+
+namespace velorin {
+
+class PasteService final {
+public:
+    static constexpr std::chrono::milliseconds restoreDelay{600};
+    static constexpr std::chrono::milliseconds fetchDeadline{5000};
+    /// How long the owner of the clipboard may take to hand over the user's content.
+    static constexpr std::chrono::milliseconds saveDeadline{300};
+    /// How long a second paste waits for the application to read the text of the first one.
+    static constexpr std::chrono::milliseconds earlierPasteDeadline{300};
+    static constexpr std::chrono::milliseconds lookInterval{100};
+
+    PasteService(Pasteboard& pasteboard, SyntheticKeyboard& keyboard, Trust& trust, Clock& clock);
+    /// Content that is still to come back is given back at once.
+    ~PasteService();
+    PasteService(const PasteService&) = delete;
+    PasteService& operator=(const PasteService&) = delete;
+
+    /// True when the text is on the clipboard and the keystroke was posted. False without a trace on empty
+    /// text, without permission, when the user's content cannot be saved in time, or while an earlier text
+    /// still waits to be read. When only the keystroke fails, the text deliberately stays on the clipboard,
+    /// for the user to paste by hand.
+    [[nodiscard]] bool insert(const QString& text, const std::optional<RunningApplication>& target);
+
+    /// Called when nobody read a text that `insert` had answered true for.
+    std::function<void()> onUnverifiedPaste;
+
+private:
+    struct Paste {
+        PasteboardSelection selection = PasteboardSelection::clipboard;
+        PasteboardContents saved;
+        quint64 changeCount = 0;
+        qint64 targetProcess = 0;
+        std::chrono::milliseconds waited{0};
+        std::size_t knownFetches = 0;
+        Subscription nextLook;
+    };
+
+    [[nodiscard]] std::optional<Paste>& pasteOf(PasteboardSelection selection);
+    [[nodiscard]] bool isStillOurs(const Paste& paste);
+    [[nodiscard]] bool wasRead(const Paste& paste);
+    [[nodiscard]] bool awaitEarlier(const Paste& paste);
+    [[nodiscard]] std::optional<PasteboardContents> saveFor(PasteboardSelection selection);
+    void lookLater(PasteboardSelection selection, std::chrono::milliseconds delay);
+    void look(PasteboardSelection selection);
+    void finish(PasteboardSelection selection, bool read);
+
+    Pasteboard& pasteboard_;
+    SyntheticKeyboard& keyboard_;
+    Trust& trust_;
+    Clock& clock_;
+    std::array<std::optional<Paste>, 2> pastes_;
+};
+
+} // namespace velorin

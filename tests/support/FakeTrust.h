@@ -1,0 +1,23 @@
+/// Answers what the test set.
+#pragma once
+
+#include "platform/Trust.h"
+
+namespace velorin {
+
+class FakeTrust final : public Trust {
+public:
+    bool processTrusted = true;
+    bool microphoneAuthorized = true;
+    bool microphoneAnswer = true;
+    int microphoneRequests = 0;
+
+    [[nodiscard]] bool isProcessTrusted() const override { return processTrusted; }
+    [[nodiscard]] bool isMicrophoneAuthorized() const override { return microphoneAuthorized; }
+    [[nodiscard]] QCoro::Task<bool> requestMicrophone() override {
+        ++microphoneRequests;
+        co_return microphoneAnswer;
+    }
+};
+
+} // namespace velorin
