@@ -1,0 +1,23 @@
+// velorin-vectors [--reference] FOLDER…: see Runner.h.
+#include "Runner.h"
+#include "Suites.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    velorin::vectors::RunOptions options;
+    options.folders = QCoreApplication::arguments().mid(1);
+    options.usesReference = options.folders.removeAll(u"--reference"_s) > 0;
+    if (options.folders.isEmpty()) {
+        std::fputs("usage: velorin-vectors [--reference] FOLDER...\n", stderr);
+        return 2;
+    }
+    const bool passed = velorin::vectors::run(velorin::vectors::allSuites(), options,
+                                              [](const QByteArray& line) { std::puts(line.constData()); });
+    return passed ? 0 : 1;
+}

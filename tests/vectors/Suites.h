@@ -1,0 +1,13 @@
+/// Who adds suites: one function a subsystem.
+#pragma once
+
+#include "SuiteTable.h"
+
+namespace velorin::vectors {
+
+void addShortcutSuites(SuiteTable& table);
+
+/// All of them.
+[[nodiscard]] SuiteTable allSuites();
+
+} // namespace velorin::vectors
