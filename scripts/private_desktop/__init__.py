@@ -1,0 +1,1 @@
+"""What scripts/desktop is made of: session starts and ends it, parts are what stands in it."""
