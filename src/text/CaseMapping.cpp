@@ -1,0 +1,79 @@
+#include "text/CaseMapping.h"
+
+#include "text/Characters.h"
+
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+
+namespace velorin::CaseMapping {
+
+namespace {
+
+bool isAscii(QStringView text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+template <typename Map>
+QString mapped(QStringView text, Map map) {
+    QString result(text.size(), Qt::Uninitialized);
+    for (;;) {
+        UErrorCode status = U_ZERO_ERROR;
+        const auto length =
+            map(reinterpret_cast<char16_t*>(result.data()), static_cast<int32_t>(result.size()), text.utf16(),
+                static_cast<int32_t>(text.size()), &status);
+        const bool fits = length <= result.size();
+        result.resize(length);
+        if (fits)
+            return result;
+    }
+}
+
+bool isSingleCodePoint(QStringView character) {
+    return !character.isEmpty() &&
+           Characters::length(Characters::codePointAt(character, 0)) == character.size();
+}
+
+bool hasProperty(QStringView character, UProperty property) {
+    return u_hasBinaryProperty(static_cast<UChar32>(Characters::codePointAt(character, 0)), property);
+}
+
+} // namespace
+
+QString lower(QStringView text) {
+    return mapped(text, [](char16_t* out, int32_t room, const char16_t* in, int32_t size,
+                           UErrorCode* status) { return u_strToLower(out, room, in, size, "", status); });
+}
+
+QString upper(QStringView text) {
+    return mapped(text, [](char16_t* out, int32_t room, const char16_t* in, int32_t size,
+                           UErrorCode* status) { return u_strToUpper(out, room, in, size, "", status); });
+}
+
+QString folded(QStringView text) {
+    return mapped(text,
+                  [](char16_t* out, int32_t room, const char16_t* in, int32_t size, UErrorCode* status) {
+                      return u_strFoldCase(out, room, in, size, U_FOLD_CASE_DEFAULT, status);
+                  });
+}
+
+bool equalIgnoringCase(QStringView a, QStringView b) { return folded(a) == folded(b); }
+
+bool isLower(QStringView character) {
+    if (character.isEmpty())
+        return false;
+    if (isSingleCodePoint(character) && hasProperty(character, UCHAR_LOWERCASE))
+        return true;
+    return !isAscii(character) && lower(character) == character && upper(character) != character;
+}
+
+bool isUpper(QStringView character) {
+    if (character.isEmpty())
+        return false;
+    if (isSingleCodePoint(character) && hasProperty(character, UCHAR_UPPERCASE))
+        return true;
+    return !isAscii(character) && upper(character) == character && lower(character) != character;
+}
+
+} // namespace velorin::CaseMapping
