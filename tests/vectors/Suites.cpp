@@ -4,6 +4,7 @@ namespace velorin::vectors {
 
 SuiteTable allSuites() {
     SuiteTable table;
+    addCleanupSuites(table);
     addShortcutSuites(table);
     return table;
 }

@@ -5,6 +5,7 @@
 
 namespace velorin::vectors {
 
+void addCleanupSuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
 
 /// All of them.

@@ -1,0 +1,71 @@
+#include "Suites.h"
+
+#include "cleanup/PolishGuard.h"
+#include "cleanup/RuleCleaner.h"
+#include "cleanup/Stages.h"
+
+#include <QJsonArray>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace velorin::vectors {
+namespace {
+
+QList<WordReplacement> replacementsIn(const QJsonObject& in) {
+    QList<WordReplacement> list;
+    for (const QJsonValue& value : in[u"replacements"].toArray())
+        list.append({QUuid::createUuid(), value[u"heard"].toString(), value[u"replacement"].toString()});
+    return list;
+}
+
+ContextProfile profileIn(const QJsonObject& in) {
+    return contextProfileFromRawString(in[u"profile"].toString()).value();
+}
+
+QString textIn(const QJsonObject& in) { return in[u"text"].toString(); }
+
+QJsonValue polishRejection(const QJsonObject& in) {
+    const auto reason = PolishGuard::rejection(in[u"polished"].toString(), in[u"original"].toString());
+    return reason ? QJsonValue(*reason) : QJsonValue();
+}
+
+QJsonValue contextFlags(const QJsonObject& in) {
+    const ContextProfile profile = profileIn(in);
+    return QJsonObject{{u"isCodeLike"_s, isCodeLike(profile)},
+                       {u"usesCodeSymbols"_s, usesCodeSymbols(profile)},
+                       {u"capitalizesSentences"_s, capitalizesSentences(profile)},
+                       {u"addsTerminalPunctuation"_s, addsTerminalPunctuation(profile)}};
+}
+
+} // namespace
+
+void addCleanupSuites(SuiteTable& table) {
+    table.add(u"cleaner.clean"_s, [](const QJsonObject& in) -> QJsonValue {
+        return RuleCleaner::clean(in[u"raw"].toString(), replacementsIn(in), profileIn(in));
+    });
+    table.add(u"cleaner.spokenPunctuation"_s, [](const QJsonObject& in) -> QJsonValue {
+        return RuleCleaner::spokenPunctuation(textIn(in), profileIn(in));
+    });
+    table.add(u"cleaner.applyCodeSymbols"_s,
+              [](const QJsonObject& in) -> QJsonValue { return RuleCleaner::applyCodeSymbols(textIn(in)); });
+    table.add(u"cleaner.stripFillers"_s,
+              [](const QJsonObject& in) -> QJsonValue { return RuleCleaner::stripFillers(textIn(in)); });
+    table.add(u"cleaner.applyCorrections"_s,
+              [](const QJsonObject& in) -> QJsonValue { return RuleCleaner::applyCorrections(textIn(in)); });
+    table.add(u"cleaner.applyReplacements"_s, [](const QJsonObject& in) -> QJsonValue {
+        return RuleCleaner::applyReplacements(textIn(in), replacementsIn(in));
+    });
+    table.add(u"cleaner.tidy"_s, [](const QJsonObject& in) -> QJsonValue {
+        return RuleCleaner::tidy(textIn(in), in[u"endsPunctuated"].toBool(), profileIn(in));
+    });
+    table.add(u"cleaner.normalizeLayout"_s, [](const QJsonObject& in) -> QJsonValue {
+        return RuleCleaner::normalizeLayout(textIn(in), in[u"capitalize"].toBool());
+    });
+    table.add(u"cleaner.words"_s, [](const QJsonObject& in) -> QJsonValue {
+        return QJsonArray::fromStringList(PolishGuard::words(textIn(in)));
+    });
+    table.add(u"polishGuard.rejection"_s, &polishRejection);
+    table.add(u"context.flags"_s, &contextFlags);
+}
+
+} // namespace velorin::vectors
