@@ -1,0 +1,161 @@
+#include "platform/linux/x11/X11Pasteboard.h"
+
+#include "platform/Log.h"
+#include "platform/linux/x11/ClipboardLoop.h"
+#include "platform/linux/x11/ThreadSetup.h"
+
+#include <poll.h>
+
+namespace velorin {
+
+namespace {
+using namespace std::chrono_literals;
+/// What the thread may need besides the owner's own time: a healthy server takes a few milliseconds.
+constexpr auto slack = 2 * serverDeadline;
+} // namespace
+
+X11Pasteboard::X11Pasteboard() : thread_([this] { run(); }) {}
+
+X11Pasteboard::~X11Pasteboard() {
+    {
+        const std::scoped_lock lock(mutex_);
+        isStopping_ = true;
+    }
+    wakeUp_.wake();
+    thread_.join();
+}
+
+void X11Pasteboard::run() {
+    setUpThread("velorin-clip");
+    if (const auto connection = XConnection::open()) {
+        ClipboardLoop loop(*connection, [this](PasteboardSelection selection, const PasteboardFetch& fetch) {
+            const std::scoped_lock lock(mutex_);
+            fetches_[indexOf(selection)].push_back(fetch);
+            changed_.notify_all();
+        });
+        if (loop.isUsable())
+            serve(loop, connection->fileDescriptor(), [&] { return connection->isBroken(); });
+    }
+    const std::scoped_lock lock(mutex_);
+    if (!isStopping_)
+        qCInfo(insertLog) << "clipboard: no X server";
+    isRunning_ = false;
+    changed_.notify_all();
+}
+
+void X11Pasteboard::serve(ClipboardLoop& loop, int serverDescriptor, const std::function<bool()>& isBroken) {
+    while (!isBroken()) {
+        runJobs(loop);
+        loop.serve();
+        {
+            const std::scoped_lock lock(mutex_);
+            if (isStopping_)
+                break;
+            if (!jobs_.empty())
+                continue;
+        }
+        std::array<pollfd, 2> waiting{{{serverDescriptor, POLLIN, 0}, {wakeUp_.fileDescriptor(), POLLIN, 0}}};
+        poll(waiting.data(), waiting.size(), -1);
+        if (waiting[1].revents != 0)
+            wakeUp_.clear();
+    }
+    if (!isBroken())
+        loop.handOver();
+}
+
+void X11Pasteboard::runJobs(ClipboardLoop& loop) {
+    for (;;) {
+        std::shared_ptr<Job> job;
+        {
+            const std::scoped_lock lock(mutex_);
+            if (jobs_.empty())
+                return;
+            job = std::move(jobs_.front());
+            jobs_.pop_front();
+            if (job->state != Job::State::waiting)
+                continue;
+            job->state = Job::State::running;
+        }
+        job->work(loop);
+        const std::scoped_lock lock(mutex_);
+        job->state = Job::State::done;
+        changed_.notify_all();
+    }
+}
+
+bool X11Pasteboard::perform(std::chrono::milliseconds deadline, std::function<void(ClipboardLoop&)> work) {
+    const auto job = std::make_shared<Job>();
+    job->work = std::move(work);
+    std::unique_lock lock(mutex_);
+    if (!isRunning_)
+        return false;
+    jobs_.push_back(job);
+    wakeUp_.wake();
+    changed_.wait_for(lock, deadline + slack, [&] { return job->state == Job::State::done || !isRunning_; });
+    if (job->state == Job::State::waiting)
+        job->state = Job::State::abandoned;
+    return job->state == Job::State::done;
+}
+
+std::optional<PasteboardContents> X11Pasteboard::save(PasteboardSelection selection,
+                                                      std::chrono::milliseconds deadline) {
+    const auto result = std::make_shared<std::optional<PasteboardContents>>();
+    const Deadline until(deadline);
+    const bool isDone =
+        perform(deadline, [=](ClipboardLoop& loop) { *result = loop.save(selection, until); });
+    return isDone ? std::move(*result) : std::nullopt;
+}
+
+std::optional<quint64> X11Pasteboard::write(PasteboardSelection selection, const QString& text) {
+    const auto result = std::make_shared<std::optional<quint64>>();
+    const bool isDone = perform(0ms, [=, this](ClipboardLoop& loop) {
+        {
+            const std::scoped_lock lock(mutex_);
+            fetches_[indexOf(selection)].clear();
+        }
+        *result = loop.write(selection, text);
+    });
+    return isDone ? *result : std::nullopt;
+}
+
+bool X11Pasteboard::restore(PasteboardSelection selection, const PasteboardContents& contents,
+                            quint64 expected) {
+    const auto result = std::make_shared<bool>(false);
+    const bool isDone =
+        perform(0ms, [=](ClipboardLoop& loop) { *result = loop.restore(selection, contents, expected); });
+    return isDone && *result;
+}
+
+quint64 X11Pasteboard::changeCount(PasteboardSelection selection) {
+    const auto result = std::make_shared<quint64>(0);
+    const bool isDone = perform(0ms, [=](ClipboardLoop& loop) { *result = loop.changeCount(selection); });
+    return isDone ? *result : 0;
+}
+
+std::optional<QString> X11Pasteboard::read(PasteboardSelection selection,
+                                           std::chrono::milliseconds deadline) {
+    const auto result = std::make_shared<std::optional<QString>>();
+    const Deadline until(deadline);
+    const bool isDone =
+        perform(deadline, [=](ClipboardLoop& loop) { *result = loop.read(selection, until); });
+    return isDone ? std::move(*result) : std::nullopt;
+}
+
+std::vector<PasteboardFetch> X11Pasteboard::fetches(PasteboardSelection selection) {
+    const std::scoped_lock lock(mutex_);
+    return fetches_[indexOf(selection)];
+}
+
+bool X11Pasteboard::awaitFetch(PasteboardSelection selection, std::size_t known,
+                               std::chrono::milliseconds deadline) {
+    std::unique_lock lock(mutex_);
+    const auto& fetches = fetches_[indexOf(selection)];
+    changed_.wait_for(lock, deadline, [&] { return fetches.size() > known || !isRunning_; });
+    return fetches.size() > known;
+}
+
+std::size_t X11Pasteboard::indexOf(PasteboardSelection selection) {
+    return selection == PasteboardSelection::clipboard ? 0 : 1;
+}
+
+} // namespace velorin

@@ -1,0 +1,68 @@
+#include "platform/linux/x11/XEventLoop.h"
+
+#include <poll.h>
+
+namespace velorin {
+
+namespace {
+constexpr char timeProperty[] = "_VELORIN_TIME";
+}
+
+XEventLoop::XEventLoop(XConnection& connection) : connection_(connection), window_(makeWindow()) {}
+
+xcb_window_t XEventLoop::makeWindow() const {
+    const auto window = xcb_generate_id(connection_.get());
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection_.get(), 0, window, connection_.root(), -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    return window;
+}
+
+Subscription XEventLoop::listen(Listener listener) {
+    const auto entry = listeners_.insert(listeners_.end(), std::move(listener));
+    return Subscription([this, entry] { listeners_.erase(entry); });
+}
+
+void XEventLoop::drain() {
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
+        handle(*event);
+}
+
+void XEventLoop::handle(const xcb_generic_event_t& event) {
+    if (typeOf(event) == XCB_PROPERTY_NOTIFY) {
+        const auto& notify = eventAs<xcb_property_notify_event_t>(event);
+        if (notify.window == window_ && notify.atom == connection_.atom(timeProperty))
+            seenTime_ = notify.time;
+    }
+    for (const auto& listener : listeners_)
+        listener(event);
+}
+
+bool XEventLoop::waitFor(const std::function<bool()>& isDone, Deadline deadline) {
+    for (;;) {
+        drain();
+        if (isDone())
+            return true;
+        if (connection_.isBroken() || deadline.hasPassed())
+            return false;
+        connection_.flush();
+        pollfd waiting{connection_.fileDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, deadline.pollTimeout());
+    }
+}
+
+bool XEventLoop::catchUp(Deadline deadline) {
+    const bool isAlive = connection_.sync(deadline);
+    drain();
+    return isAlive;
+}
+
+std::optional<xcb_timestamp_t> XEventLoop::serverTime(Deadline deadline) {
+    seenTime_.reset();
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_APPEND, window_, connection_.atom(timeProperty),
+                        XCB_ATOM_STRING, 8, 0, nullptr);
+    waitFor([this] { return seenTime_.has_value(); }, deadline);
+    return seenTime_;
+}
+
+} // namespace velorin

@@ -1,0 +1,65 @@
+/// Hands the events of one connection to those who listen, and waits with a deadline for what they report.
+///
+///     XEventLoop loop(connection);
+///     const auto listening = loop.listen([&](const xcb_generic_event_t& event) { … });
+///     loop.waitFor([&] { return hasAnswer; }, Deadline(300ms));    // others go on being served meanwhile
+///
+/// Listeners may be called within any operation that waits. One thread only.
+#pragma once
+
+#include "platform/Subscription.h"
+#include "platform/linux/x11/XConnection.h"
+
+#include <list>
+#include <optional>
+
+namespace velorin {
+
+class XEventLoop final {
+public:
+    using Listener = std::function<void(const xcb_generic_event_t&)>;
+
+    explicit XEventLoop(XConnection& connection);
+    XEventLoop(const XEventLoop&) = delete;
+    XEventLoop& operator=(const XEventLoop&) = delete;
+
+    [[nodiscard]] XConnection& connection() const { return connection_; }
+
+    [[nodiscard]] Subscription listen(Listener listener);
+
+    /// Handles all events that have arrived.
+    void drain();
+
+    /// Handles events until `isDone`, asked after each round. False when the deadline passes or the server
+    /// went away.
+    bool waitFor(const std::function<bool()>& isDone, Deadline deadline);
+
+    /// Waits until all that happened in the server before this call has been handled.
+    bool catchUp(Deadline deadline);
+
+    /// The server's own time, after catching up; nothing when it does not answer. An operation that carries
+    /// this time loses against whatever happens after it.
+    [[nodiscard]] std::optional<xcb_timestamp_t> serverTime(Deadline deadline);
+
+    /// An unmapped window of ours that lives as long as the connection, for properties and ownership.
+    [[nodiscard]] xcb_window_t window() const { return window_; }
+    [[nodiscard]] xcb_window_t makeWindow() const;
+
+private:
+    void handle(const xcb_generic_event_t& event);
+
+    XConnection& connection_;
+    std::list<Listener> listeners_;
+    xcb_window_t window_;
+    std::optional<xcb_timestamp_t> seenTime_;
+};
+
+/// What kind of event it is, whoever sent it.
+[[nodiscard]] inline int typeOf(const xcb_generic_event_t& event) { return event.response_type & 0x7f; }
+
+template <typename Event>
+[[nodiscard]] const Event& eventAs(const xcb_generic_event_t& event) {
+    return reinterpret_cast<const Event&>(event);
+}
+
+} // namespace velorin
