@@ -1,0 +1,20 @@
+/// The application's folders by the conventions of Linux desktops.
+#pragma once
+
+#include "platform/ApplicationFolders.h"
+
+namespace velorin {
+
+class XdgFolders final : public ApplicationFolders {
+public:
+    /// "Velorin" in $XDG_DATA_HOME.
+    [[nodiscard]] QString dataFolder() const override;
+    /// "velorin" in $XDG_RUNTIME_DIR, which is in memory; without one, in the system's temporary folder.
+    [[nodiscard]] QString temporaryFolder() const override;
+    [[nodiscard]] QString userFullName() const override;
+
+    /// Removes recordings that a killed process left behind. Safe only for the one running instance.
+    void removeLeftovers() const;
+};
+
+} // namespace velorin

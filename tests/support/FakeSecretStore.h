@@ -1,0 +1,29 @@
+/// Secrets in memory.
+#pragma once
+
+#include "platform/SecretStore.h"
+
+#include <map>
+
+namespace velorin {
+
+class FakeSecretStore final : public SecretStore {
+public:
+    std::map<QString, QByteArray> items; ///< By account.
+    bool canAdd = true;
+    int reads = 0;
+
+    std::optional<QByteArray> read(const QString&, const QString& account) override {
+        ++reads;
+        const auto found = items.find(account);
+        return found == items.end() ? std::nullopt : std::optional(found->second);
+    }
+    bool add(const QString&, const QString& account, const QByteArray& secret) override {
+        if (canAdd)
+            items[account] = secret;
+        return canAdd;
+    }
+    void remove(const QString&, const QString& account) override { items.erase(account); }
+};
+
+} // namespace velorin
