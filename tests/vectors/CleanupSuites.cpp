@@ -3,6 +3,7 @@
 #include "cleanup/PolishGuard.h"
 #include "cleanup/RuleCleaner.h"
 #include "cleanup/Stages.h"
+#include "delivery/ContextDetector.h"
 
 #include <QJsonArray>
 
@@ -37,6 +38,13 @@ QJsonValue contextFlags(const QJsonObject& in) {
                        {u"addsTerminalPunctuation"_s, addsTerminalPunctuation(profile)}};
 }
 
+QJsonValue contextDetect(const QJsonObject& in) {
+    const auto text = [&](QStringView key) {
+        return in[key].isNull() ? std::nullopt : std::optional(in[key].toString());
+    };
+    return rawString(ContextDetector::detect(text(u"bundleID"), [&] { return text(u"windowTitle"); }));
+}
+
 } // namespace
 
 void addCleanupSuites(SuiteTable& table) {
@@ -66,6 +74,7 @@ void addCleanupSuites(SuiteTable& table) {
     });
     table.add(u"polishGuard.rejection"_s, &polishRejection);
     table.add(u"context.flags"_s, &contextFlags);
+    table.add(u"context.detect"_s, &contextDetect);
 }
 
 } // namespace velorin::vectors
