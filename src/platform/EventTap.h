@@ -50,7 +50,11 @@ public:
     virtual ~EventTap() = default;
 
     /// Starts the tap's thread. Main thread. At most one tap runs at a time.
-    [[nodiscard]] virtual tl::expected<void, EventTapError> start(Handler handler) = 0;
+    ///
+    /// `onLost` is called once, on the tap's own thread, when the tap cannot go on and will not come back by
+    /// itself (the display server is gone). The tap is then still to be stopped before it is started again.
+    [[nodiscard]] virtual tl::expected<void, EventTapError> start(Handler handler,
+                                                                  std::function<void()> onLost) = 0;
 
     /// Ends the thread; the handler is not called any more when this returns. Main thread.
     virtual void stop() = 0;
