@@ -1,4 +1,6 @@
 """The folders of a private desktop, the files in them, and the environment that points at them."""
+import fcntl
+import glob
 import os
 import pathlib
 import pwd
@@ -28,8 +30,8 @@ _FONTS = """<?xml version="1.0"?>
     <edit name="dpi" mode="assign"><double>96</double></edit>
   </match>
   <alias><family>sans-serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
-  <alias><family>serif</family><prefer><family>DejaVu Sans</family></prefer></alias>
   <alias><family>monospace</family><prefer><family>DejaVu Sans Mono</family></prefer></alias>
+  <match target="pattern"><edit name="family" mode="append_last"><string>DejaVu Sans</string></edit></match>
 </fontconfig>
 """
 
@@ -51,6 +53,8 @@ font_shadow = 0
 taskbar_mode = single_desktop
 task_icon = 1
 task_text = 1
+task_font = DejaVu Sans 9
+time1_font = DejaVu Sans 9
 systray_padding = 4 2 4
 systray_icon_size = 22
 systray_monitor = 1
@@ -66,9 +70,39 @@ _DUNST = """[global]
 """
 
 
+_PREFIX = "/tmp/velorin-"
+_LOCK = "lock"
+
+
 def make_folder() -> str:
-    """A short path: that of a socket ends at 107 bytes."""
-    return tempfile.mkdtemp(prefix="velorin-", dir="/tmp")
+    """A short path: that of a socket ends at 107 bytes. It is ours as long as this process or a fork of it lives."""
+    _remove_abandoned_folders()
+    folder = tempfile.mkdtemp(prefix=os.path.basename(_PREFIX), dir="/tmp")
+    _lock(folder, os.O_CREAT)
+    return folder
+
+
+def _lock(folder: str, flags: int) -> int | None:
+    """Takes the lock of a folder, which goes with the last process that holds it; None: another one has it."""
+    lock = os.open(f"{folder}/{_LOCK}", os.O_RDWR | os.O_NOFOLLOW | flags, 0o600)
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        return lock
+    except BlockingIOError:
+        os.close(lock)
+        return None
+
+
+def _remove_abandoned_folders() -> None:
+    """What a desktop has left whose watchers were killed both at once, as a test runner does after its time-out."""
+    for folder in glob.glob(_PREFIX + "*"):
+        try:
+            lock = _lock(folder, 0)
+        except OSError:  # not a folder of ours
+            continue
+        if lock is not None:
+            remove(folder)
+            os.close(lock)
 
 
 def remove(folder: str) -> None:
