@@ -164,7 +164,8 @@ std::vector<xcb_atom_t> SelectionReader::targetsIn(const PasteboardEntry& list) 
     if (list.unitBits != 32)
         return {};
     std::vector<xcb_atom_t> targets(static_cast<std::size_t>(list.data.size()) / sizeof(xcb_atom_t));
-    std::memcpy(targets.data(), list.data.constData(), targets.size() * sizeof(xcb_atom_t));
+    if (!targets.empty())
+        std::memcpy(targets.data(), list.data.constData(), targets.size() * sizeof(xcb_atom_t));
     std::vector<xcb_atom_t> unique;
     for (const auto target : targets)
         if (target != XCB_ATOM_NONE && std::ranges::find(unique, target) == unique.end())

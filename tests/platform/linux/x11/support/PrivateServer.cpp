@@ -1,5 +1,7 @@
 #include "tests/platform/linux/x11/support/PrivateServer.h"
 
+#include "platform/linux/x11/XConnection.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -9,6 +11,7 @@
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace velorin {
@@ -28,6 +31,29 @@ std::string readLine(int descriptor, int deadline) {
             return line;
         line += c;
     }
+}
+
+/// What arrives while a manager starts it may leave lying until the next event: a window of ours is mapped,
+/// and the manager is nudged until it has seen it.
+void awaitManagement(XConnection& connection, Deadline deadline) {
+    auto* c = connection.get();
+    const auto window = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, window, connection.root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(c, window);
+    for (;;) {
+        xcb_change_property(c, XCB_PROP_MODE_REPLACE, connection.root(), connection.atom("_VELORIN_NUDGE"),
+                            XCB_ATOM_CARDINAL, 32, 0, nullptr);
+        const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(
+            xcb_get_window_attributes(c, window), deadline);
+        if (!attributes || deadline.hasPassed())
+            throw std::runtime_error("the window manager does not manage");
+        if (attributes->map_state == XCB_MAP_STATE_VIEWABLE)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    xcb_destroy_window(c, window);
+    connection.sync(deadline);
 }
 
 } // namespace
@@ -67,6 +93,18 @@ void ChildProcess::end(int signal) {
     id_ = 0;
 }
 
+int ChildProcess::wait() {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(startDeadline);
+    int status = 0;
+    while (waitpid(id_, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > end)
+            throw std::runtime_error("a process did not end");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    id_ = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 PrivateServer::PrivateServer(const std::vector<std::string>& options) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0)
@@ -88,6 +126,25 @@ PrivateServer::~PrivateServer() { unsetenv("DISPLAY"); }
 
 ChildProcess& PrivateServer::start(const std::vector<std::string>& command) {
     return *clients_.emplace_back(std::make_unique<ChildProcess>(command));
+}
+
+void PrivateServer::startWindowManager(const std::vector<std::string>& command) {
+    start(command);
+    const auto connection = XConnection::open();
+    const Deadline deadline{std::chrono::milliseconds(startDeadline)};
+    const auto hasManager = [&] {
+        const auto manager = connection->reply<xcb_get_property_reply_t>(
+            xcb_get_property(connection->get(), false, connection->root(),
+                             connection->atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1),
+            deadline);
+        return manager && xcb_get_property_value_length(manager.get()) == 4;
+    };
+    while (!hasManager()) {
+        if (deadline.hasPassed())
+            throw std::runtime_error("the window manager did not start");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    awaitManagement(*connection, deadline);
 }
 
 void PrivateServer::kill() { server_->end(SIGKILL); }

@@ -2,7 +2,7 @@
 /// lives. Starting it has a deadline; it is ended by its process id.
 ///
 ///     PrivateServer server;                     // throws when the server does not start
-///     server.start({"openbox"});                // ends with the server
+///     server.startWindowManager({"openbox"});   // ends with the server
 #pragma once
 
 #include <memory>
@@ -25,6 +25,8 @@ public:
     void kill(int signal) const;
     /// Sends the signal and waits for the end.
     void end(int signal);
+    /// Waits for it to end by itself, and gives its exit status; has a deadline.
+    int wait();
 
 private:
     pid_t id_;
@@ -39,6 +41,8 @@ public:
 
     [[nodiscard]] const std::string& display() const { return display_; }
     ChildProcess& start(const std::vector<std::string>& command);
+    /// Also waits until it manages windows.
+    void startWindowManager(const std::vector<std::string>& command);
     /// The server ends as if it had crashed.
     void kill();
 

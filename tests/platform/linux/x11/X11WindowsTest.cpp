@@ -1,0 +1,93 @@
+#include "platform/linux/x11/X11Windows.h"
+
+#include "tests/platform/linux/x11/support/PrivateServer.h"
+#include "tests/platform/linux/x11/support/TestWindow.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velorin {
+namespace {
+
+bool isActive(X11Windows& windows, const TestWindow& window) {
+    const Deadline deadline(10s);
+    while (!deadline.hasPassed()) {
+        const auto front = windows.frontmostApplication();
+        if (front && front->window == window.id())
+            return true;
+        std::this_thread::yield();
+    }
+    return false;
+}
+
+TEST(X11Windows, TellsTheApplicationThatHasTheKeyboard) {
+    PrivateServer server;
+    X11Windows windows;
+    EXPECT_EQ(windows.frontmostApplication(), std::nullopt);
+    TestWindow editor("mousepad", "Mousepad");
+    editor.focus();
+    const auto front = windows.frontmostApplication();
+    ASSERT_TRUE(front);
+    EXPECT_EQ(front->processIdentifier, getpid());
+    EXPECT_EQ(front->window, editor.id());
+    EXPECT_EQ(front->bundleIdentifier, u"org.xfce.mousepad"_s);
+    EXPECT_EQ(front->kin, u"com.apple.TextEdit"_s);
+    EXPECT_TRUE(front->executablePath.endsWith(u"x11_test"_s));
+}
+
+TEST(X11Windows, TrustsTheServerMoreThanTheWindowAboutItsProcess) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow boxed("app", "App");
+    boxed.setNumber("_NET_WM_PID", 2);
+    boxed.focus();
+    EXPECT_EQ(windows.frontmostApplication()->processIdentifier, getpid());
+}
+
+TEST(X11Windows, KnowsAnApplicationByThePublishedId) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow window("gedit", "Gedit");
+    window.setProperty("_GTK_APPLICATION_ID", "UTF8_STRING", "org.gnome.TextEditor");
+    window.focus();
+    EXPECT_EQ(windows.frontmostApplication()->bundleIdentifier, u"org.gnome.TextEditor"_s);
+}
+
+TEST(X11Windows, BringsAWindowToTheFrontByTheWindowManager) {
+    PrivateServer server;
+    server.startWindowManager({"openbox"});
+    X11Windows windows;
+    TestWindow first("first", "First");
+    ASSERT_TRUE(isActive(windows, first));
+    const auto target = windows.frontmostApplication().value();
+    TestWindow second("second", "Second");
+    windows.activate(target);
+    EXPECT_TRUE(isActive(windows, first));
+}
+
+TEST(X11Windows, FindsAWindowOfTheProcessWhereNoneIsGiven) {
+    PrivateServer server;
+    server.startWindowManager({"openbox"});
+    X11Windows windows;
+    TestWindow only("only", "Only");
+    ASSERT_TRUE(isActive(windows, only));
+    auto target = windows.frontmostApplication().value();
+    target.window = 0;
+    xcb_set_input_focus(only.connection().get(), XCB_INPUT_FOCUS_NONE, XCB_WINDOW_NONE, 0);
+    only.connection().sync(Deadline(5s));
+    windows.activate(target);
+    EXPECT_TRUE(only.waitFor([](const auto& event) { return (event.response_type & 0x7f) == XCB_FOCUS_IN; }));
+}
+
+TEST(X11Windows, SeesNobodyWithoutAServer) {
+    unsetenv("DISPLAY");
+    X11Windows windows;
+    EXPECT_EQ(windows.frontmostApplication(), std::nullopt);
+    windows.activate(RunningApplication());
+}
+
+} // namespace
+} // namespace velorin
