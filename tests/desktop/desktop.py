@@ -9,9 +9,10 @@ import waiting
 from accessible import switch_on as switch_accessibility_on
 from editor import Mousepad
 from program import Program
+from sentences import all_sentences
 from tray import EmbeddedTray, StatusNotifierHost
 from user import Microphone, Speech, User, speak
 from windows import Windows
 
 __all__ = ["EmbeddedTray", "Microphone", "Mousepad", "Program", "Speech", "StatusNotifierHost", "User", "Windows",
-           "clipboard", "speak", "switch_accessibility_on", "waiting"]
+           "all_sentences", "clipboard", "speak", "switch_accessibility_on", "waiting"]
