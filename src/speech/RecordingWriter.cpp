@@ -2,7 +2,6 @@
 
 #include "speech/AudioConversion.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUuid>
@@ -57,13 +56,6 @@ std::optional<QString> RecordingWriter::finish() {
 void RecordingWriter::discard() {
     close();
     QFile::remove(path_);
-}
-
-void removeLeftRecordings(const ApplicationFolders& folders) {
-    const QDir folder(folders.temporaryFolder());
-    for (const QFileInfo& file : folder.entryInfoList({u"velorin-*.wav"_s}, QDir::Files | QDir::NoSymLinks))
-        if (file.isWritable())
-            QFile::remove(file.filePath());
 }
 
 } // namespace velorin

@@ -44,8 +44,4 @@ private:
     AudioFormat format_;
 };
 
-/// Removes the recordings that a process which was killed left in the temporary folder. Only for the one
-/// running instance, before its first dictation.
-void removeLeftRecordings(const ApplicationFolders& folders);
-
 } // namespace velorin

@@ -119,13 +119,4 @@ TEST_F(SpeechEngineRecording, GoesWithTheEngine) {
     recognition.transcribers.back()->hasNews.open();
 }
 
-TEST_F(SpeechEngineRecording, OfAKilledProcessIsRemoved) {
-    for (const QString& name : {u"velorin-1.wav"_s, u"other.wav"_s, u"velorin-2.txt"_s}) {
-        QFile file(folder.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
-    removeLeftRecordings(folders);
-    EXPECT_THAT(filesLeft(), testing::UnorderedElementsAre(u"other.wav"_s, u"velorin-2.txt"_s));
-}
-
 } // namespace velorin

@@ -5,7 +5,6 @@ namespace velorin::vectors {
 SuiteTable allSuites() {
     SuiteTable table;
     addCleanupSuites(table);
-    addCoreSuites(table);
     addShortcutSuites(table);
     return table;
 }

@@ -1,0 +1,45 @@
+/// The models on this machine: in the program's own folder, and in the user's.
+///
+/// The run time ends the process on some damaged files, so every file is checked against its recorded digest
+/// before its path is given to anybody. A file that was checked is not read again until it changes.
+///
+///     if (const auto folder = store.verified(model)) load(*folder);
+#pragma once
+
+#include "platform/linux/recognition/ModelCatalog.h"
+
+#include <map>
+#include <mutex>
+#include <optional>
+
+namespace velorin {
+
+class ModelStore final {
+public:
+    /// `programFolders` are looked into first, in their order.
+    ModelStore(QStringList programFolders, QString userFolder);
+
+    /// Where the models lie that come with the program: in the build tree as when installed, relative to the
+    /// executable.
+    [[nodiscard]] static QStringList programFolders();
+
+    /// The folder in which all files of the model lie, by name and size; reads none of them. Any thread.
+    [[nodiscard]] std::optional<QString> installed(const Model& model) const;
+
+    /// The same, all digests checked. Reads the files: for background threads.
+    [[nodiscard]] std::optional<QString> verified(const Model& model) const;
+
+    [[nodiscard]] const QString& userFolder() const { return userFolder_; }
+
+private:
+    [[nodiscard]] QStringList foldersOf(const Model& model) const;
+    [[nodiscard]] bool isIntact(const QString& path, const ModelFile& file) const;
+
+    QStringList programFolders_;
+    QString userFolder_;
+    /// What is known of files by what they were when it was found out.
+    mutable std::mutex mutex_;
+    mutable std::map<QByteArray, bool> known_;
+};
+
+} // namespace velorin

@@ -1,0 +1,90 @@
+/// Makes a live transcript out of a model that decodes whole windows of sound.
+///
+/// Sound passes voice activity in frames; speech, with a little before and after it, makes a window. The
+/// growing window is decoded again and again and given out as a volatile result; at a pause, or when it gets
+/// long, it becomes a final result and a new one begins. When the speaker pauses for a moment the window is
+/// decoded at once, so that the answer is there if that was the end. The model never sees anything else: on
+/// silence and noise it makes up text.
+///
+///     StreamingTranscriber transcriber(voiceActivity, decoder, {}, emit);
+///     transcriber.add(samples);            // as they come
+///     transcriber.decodeIfDue();           // when no more are waiting
+///     transcriber.finish();                // the rest of the results
+///
+/// One thread. Standard primitives only.
+#pragma once
+
+#include "platform/linux/recognition/VoiceActivity.h"
+#include "platform/linux/recognition/WindowDecoder.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace velorin {
+
+struct StreamingRules {
+    // In frames of 32 ms.
+    std::size_t before = 7;        ///< Kept before speech,
+    std::size_t after = 7;         ///< and after it.
+    std::size_t pauseToDecode = 7; ///< A pause after which the window is decoded ahead of time.
+    std::size_t pauseToEnd = 13;   ///< A pause that ends a window …
+    std::size_t leastToEnd = 188;  ///< … which is at least this long.
+    std::size_t most = 375;        ///< A window this long ends at its longest pause …
+    std::size_t lookBack = 94;     ///< … of this many last frames.
+    std::size_t newSpeechToDecode = 10;
+    std::size_t leastSpeech = 3; ///< Less speech than this is a noise.
+    /// Whether words are parted by spaces: then every result after the first final one begins with one.
+    bool isSpaced = true;
+};
+
+class StreamingTranscriber final {
+public:
+    using Emit = std::function<void(const std::string& text, bool isFinal)>;
+
+    StreamingTranscriber(VoiceActivity& voiceActivity, WindowDecoder& decoder, StreamingRules rules,
+                         Emit emit);
+
+    /// Takes sound in, and decodes the windows that end in it.
+    void add(std::span<const float> samples);
+
+    /// Decodes the present window if enough is new in it, and tells whether it did.
+    bool decodeIfDue();
+
+    /// The stream has ended: gives out what is left as a final result.
+    void finish();
+
+private:
+    using Frame = std::vector<float>;
+
+    void addFrame(std::span<const float, VoiceActivity::frameSamples> frame);
+    void addSpeech(std::span<const float> frame);
+    void addPause(std::span<const float> frame);
+    void append(std::span<const float> frame, bool isSpeech);
+    void cutLongWindow();
+    [[nodiscard]] std::size_t cutPosition() const;
+    void endWindow(std::size_t frames);
+    const std::string& decoded(std::size_t frames);
+    void give(const std::string& text, bool isFinal);
+
+    VoiceActivity& voiceActivity_;
+    WindowDecoder& decoder_;
+    StreamingRules rules_;
+    Emit emit_;
+
+    std::vector<float> partialFrame_;
+    /// The last frames without speech, which belong to the next speech.
+    std::vector<float> before_;
+    std::size_t pause_ = 0; ///< Frames since the last speech.
+
+    std::vector<float> window_;
+    std::vector<bool> isSpeech_; ///< A frame of the window each.
+    std::size_t speechFrames_ = 0;
+    std::size_t newSpeech_ = 0; ///< Frames of speech since the last decode.
+    std::size_t decodedFrames_ = 0;
+    std::string decodedText_;
+    std::string volatileText_;
+    bool hasGivenFinal_ = false;
+};
+
+} // namespace velorin

@@ -1,0 +1,273 @@
+#include "platform/linux/recognition/StreamingTranscriber.h"
+#include "tests/platform/linux/recognition/FakeRecogniser.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <random>
+
+namespace velorin {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+constexpr std::size_t frameSamples = VoiceActivity::frameSamples;
+
+struct Given {
+    std::string text;
+    bool isFinal;
+    bool operator==(const Given&) const = default;
+};
+
+void PrintTo(const Given& given, std::ostream* stream) {
+    *stream << '"' << given.text << '"' << (given.isFinal ? " final" : "");
+}
+
+} // namespace
+
+struct StreamingTranscriberTest : testing::Test {
+    FakeVoiceActivity voiceActivity;
+    FakeDecoder decoder;
+    StreamingRules rules;
+    std::vector<Given> given;
+    StreamingTranscriber transcriber = make();
+
+    StreamingTranscriber make() {
+        return {voiceActivity, decoder, rules, [this](const std::string& text, bool isFinal) {
+                    given.push_back({text, isFinal});
+                }};
+    }
+
+    void speech(std::size_t count, float value = 1) { transcriber.add(frames(count, value)); }
+    void pause(std::size_t count) { transcriber.add(frames(count, 0)); }
+};
+
+TEST_F(StreamingTranscriberTest, GivesNothingForSilence) {
+    pause(1000);
+    EXPECT_FALSE(transcriber.decodeIfDue());
+    transcriber.finish();
+    EXPECT_THAT(given, IsEmpty());
+    EXPECT_THAT(decoder.windows, IsEmpty());
+}
+
+TEST_F(StreamingTranscriberTest, KeepsALittleBeforeAndAfterSpeech) {
+    pause(50);
+    speech(20);
+    pause(50);
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.before + 20 + rules.after), true}));
+}
+
+TEST_F(StreamingTranscriberTest, LeavesOutTheMiddleOfALongPause) {
+    speech(20);
+    pause(100);
+    speech(20);
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(20 + rules.after + rules.before + 20), true}));
+}
+
+TEST_F(StreamingTranscriberTest, KeepsAShortPauseWhole) {
+    speech(20);
+    pause(rules.after + 2);
+    speech(20);
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(40 + rules.after + 2), true}));
+}
+
+TEST_F(StreamingTranscriberTest, NeverShowsTheModelWhatIsNotSpeechNorBesideIt) {
+    // Silence is 0, noise far from speech 0 in its first sample and 9 in its others.
+    std::vector<float> noise = frames(100, 9);
+    for (std::size_t i = 0; i < noise.size(); i += frameSamples)
+        noise[i] = 0;
+    std::mt19937 random(1);
+    for (int round = 0; round < 30; ++round) {
+        transcriber.add(noise);
+        pause(10);
+        speech(1 + random() % 40);
+        pause(10);
+        if (random() % 2 == 0)
+            transcriber.decodeIfDue();
+    }
+    transcriber.add(noise);
+    transcriber.finish();
+    ASSERT_FALSE(decoder.windows.empty());
+    for (const auto& window : decoder.windows)
+        EXPECT_EQ(std::count(window.begin(), window.end(), 9.0F), 0);
+}
+
+TEST_F(StreamingTranscriberTest, TakesANoiseTooShortForAWordForNoWord) {
+    speech(rules.leastSpeech - 1);
+    pause(rules.pauseToEnd);
+    speech(rules.leastSpeech - 1);
+    pause(rules.pauseToEnd);
+    EXPECT_FALSE(transcriber.decodeIfDue());
+    transcriber.finish();
+    EXPECT_THAT(decoder.windows, IsEmpty());
+}
+
+TEST_F(StreamingTranscriberTest, PreviewsWhenEnoughIsNew) {
+    speech(rules.newSpeechToDecode - 1);
+    EXPECT_FALSE(transcriber.decodeIfDue());
+    speech(1);
+    EXPECT_TRUE(transcriber.decodeIfDue());
+    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.newSpeechToDecode), false}));
+    speech(rules.newSpeechToDecode);
+    EXPECT_TRUE(transcriber.decodeIfDue());
+    EXPECT_THAT(given, SizeIs(2));
+}
+
+TEST_F(StreamingTranscriberTest, HasTheAnswerReadyAfterAMomentOfPause) {
+    speech(rules.newSpeechToDecode);
+    transcriber.decodeIfDue();
+    pause(rules.pauseToDecode);
+    EXPECT_TRUE(transcriber.decodeIfDue());
+    const std::size_t decodes = decoder.windows.size();
+    pause(200);
+    EXPECT_FALSE(transcriber.decodeIfDue());
+    transcriber.finish();
+    EXPECT_EQ(decoder.windows.size(), decodes);
+    EXPECT_TRUE(given.back().isFinal);
+}
+
+TEST_F(StreamingTranscriberTest, EndsALongEnoughWindowAtAPause) {
+    speech(rules.leastToEnd);
+    pause(rules.pauseToEnd - 1);
+    EXPECT_THAT(given, IsEmpty());
+    pause(1);
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.leastToEnd + rules.after), true}));
+    pause(100);
+    transcriber.finish();
+    EXPECT_THAT(given, SizeIs(1));
+}
+
+TEST_F(StreamingTranscriberTest, KeepsAShortWindowOpenThroughAPause) {
+    speech(20);
+    pause(rules.pauseToEnd);
+    EXPECT_THAT(given, IsEmpty());
+}
+
+TEST_F(StreamingTranscriberTest, BeginsEveryResultAfterTheFirstFinalOneWithASpace) {
+    decoder.answer = [](auto) { return "words"; };
+    speech(rules.leastToEnd);
+    transcriber.decodeIfDue();
+    pause(rules.pauseToEnd);
+    speech(rules.newSpeechToDecode);
+    transcriber.decodeIfDue();
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{"words", false}, Given{"words", true}, Given{" words", false},
+                                   Given{" words", true}));
+}
+
+TEST_F(StreamingTranscriberTest, PutsNoSpacesWhereALanguageHasNone) {
+    rules.isSpaced = false;
+    StreamingTranscriber unspaced = make();
+    for (int window = 0; window < 2; ++window) {
+        unspaced.add(frames(rules.leastToEnd, 1));
+        unspaced.add(frames(rules.pauseToEnd, 0));
+    }
+    ASSERT_THAT(given, SizeIs(2));
+    EXPECT_NE(given[1].text.front(), ' ');
+}
+
+TEST_F(StreamingTranscriberTest, CutsAVeryLongWindowInItsLongestPause) {
+    decoder.answer = [](std::span<const float> samples) {
+        // Which kinds of speech the window holds.
+        std::string kinds;
+        for (std::size_t i = 0; i < samples.size(); i += frameSamples)
+            if (samples[i] != 0 && (kinds.empty() || kinds.back() != static_cast<char>(samples[i])))
+                kinds += static_cast<char>(samples[i]);
+        return kinds;
+    };
+    speech(rules.most - 60, 'a');
+    pause(4);
+    speech(20, 'b');
+    pause(2);
+    speech(30, 'c');
+    speech(10, 'd');
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{"a", true}, Given{" bcd", true}));
+}
+
+TEST_F(StreamingTranscriberTest, CutsAtTheQuietestFrameWhereNobodyPauses) {
+    speech(rules.most - 50, 9);
+    speech(1, 0.5F);
+    speech(100, 9);
+    transcriber.finish();
+    ASSERT_THAT(given, SizeIs(2));
+    EXPECT_EQ(given[0].text, std::to_string(rules.most - 50));
+}
+
+TEST_F(StreamingTranscriberTest, LosesAndDoublesNothingAtTheEdges) {
+    std::mt19937 random(2);
+    float next = 1;
+    std::vector<float> spoken;
+    for (int stretch = 0; stretch < 300; ++stretch) {
+        for (auto frame = 3 + random() % 80; frame > 0; --frame) {
+            spoken.push_back(next);
+            speech(1, next++);
+        }
+        pause(random() % 20);
+    }
+    std::vector<float> decoded;
+    // Final windows only: no previews were asked for.
+    transcriber.finish();
+    for (const auto& window : decoder.windows)
+        for (std::size_t i = 0; i < window.size(); i += frameSamples)
+            if (window[i] != 0)
+                decoded.push_back(window[i]);
+    EXPECT_EQ(decoded, spoken);
+}
+
+TEST_F(StreamingTranscriberTest, DecodesTheSameWindowsHoweverTheSoundIsCut) {
+    std::mt19937 random(3);
+    std::vector<float> sound;
+    for (int stretch = 0; stretch < 60; ++stretch) {
+        const auto piece = frames(1 + random() % 90, random() % 3 == 0 ? 0.0F : 1.0F);
+        sound.insert(sound.end(), piece.begin(), piece.end());
+    }
+    transcriber.add(sound);
+    transcriber.finish();
+    const auto whole = given;
+    given.clear();
+    StreamingTranscriber other = make();
+    for (std::size_t first = 0; first < sound.size();) {
+        const std::size_t count = std::min<std::size_t>(1 + random() % 1500, sound.size() - first);
+        other.add(std::span<const float>(sound).subspan(first, count));
+        first += count;
+    }
+    other.finish();
+    EXPECT_EQ(given, whole);
+}
+
+TEST_F(StreamingTranscriberTest, HearsTheLastPiecesOfAFrame) {
+    speech(10);
+    transcriber.add(std::vector<float>(100, 1));
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{"11", true}));
+}
+
+TEST_F(StreamingTranscriberTest, TakesBackAPreviewOfWhichNothingIsLeft) {
+    decoder.answer = [count = 0](auto) mutable { return count++ == 0 ? "thing" : ""; };
+    speech(rules.newSpeechToDecode);
+    transcriber.decodeIfDue();
+    speech(1);
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{"thing", false}, Given{"", true}));
+}
+
+TEST_F(StreamingTranscriberTest, GivesNoResultWhereNothingWasUnderstood) {
+    decoder.answer = [](auto) { return ""; };
+    speech(rules.leastToEnd);
+    transcriber.decodeIfDue();
+    pause(rules.pauseToEnd);
+    decoder.answer = [](auto) { return "first"; };
+    speech(20);
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{"first", true}));
+}
+
+} // namespace velorin
