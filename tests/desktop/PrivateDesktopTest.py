@@ -38,7 +38,8 @@ class PrivateDesktop(unittest.TestCase):
 
     def start(self):
         """A running desktop: its process, its folder, its display, the process that watches inside, the command."""
-        process = subprocess.Popen([DESKTOP, "sh", "-c", COMMAND], stdout=subprocess.PIPE, text=True)
+        process = subprocess.Popen([DESKTOP, "sh", "-c", COMMAND], stdout=subprocess.PIPE, text=True,
+                                   start_new_session=True)
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.terminate)
         folder, display, inner, command = process.stdout.readline().split()
@@ -100,6 +101,12 @@ class PrivateDesktop(unittest.TestCase):
             process.send_signal(number)
             self.assertEqual(128 + number, process.wait(SECONDS))
             self.assert_nothing_left(folder, display)
+
+    def test_leaves_nothing_after_ctrl_c(self):
+        process, folder, display, _, _ = self.start()
+        os.killpg(process.pid, signal.SIGINT)
+        self.assertEqual(128 + signal.SIGINT, process.wait(SECONDS))
+        self.assert_nothing_left(folder, display)
 
     def test_leaves_nothing_when_either_watcher_is_killed(self):
         process, folder, display, inner, _ = self.start()
