@@ -11,9 +11,10 @@ import waiting
 DESKTOP = str(pathlib.Path(__file__).parents[2] / "scripts/desktop")
 SECONDS = 30
 
-# Tells where the desktop is, and has a child that went to the background and one that will not end.
-COMMAND = """echo $(dirname $XDG_RUNTIME_DIR) $DISPLAY $PPID $$; setsid sh -c 'trap "" TERM; sleep 1000 & wait; wait' &
-             exec sleep 1000"""
+# Tells where the desktop is, and has a child that went to the background.
+COMMAND = "echo $(dirname $XDG_RUNTIME_DIR) $DISPLAY $PPID $$; setsid sleep 100 & exec sleep 100"
+# The child does not want to end, which costs some patience each time.
+STUBBORN = "(trap '' TERM; setsid sh -c 'sleep 100; sleep 100') & " + COMMAND
 
 
 def processes_with(word: str) -> list[int]:
@@ -36,10 +37,10 @@ class PrivateDesktop(unittest.TestCase):
         return subprocess.run([DESKTOP, *command], capture_output=True, text=True, timeout=SECONDS,
                               env=os.environ | environment)
 
-    def start(self):
+    def start(self, script=COMMAND, without="tray"):  # the panel takes a second to start
         """A running desktop: its process, its folder, its display, the process that watches inside, the command."""
-        process = subprocess.Popen([DESKTOP, "sh", "-c", COMMAND], stdout=subprocess.PIPE, text=True,
-                                   start_new_session=True)
+        process = subprocess.Popen([DESKTOP, "sh", "-c", script], stdout=subprocess.PIPE, text=True,
+                                   start_new_session=True, env=os.environ | {"VELORIN_DESKTOP_WITHOUT": without})
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.terminate)
         folder, display, inner, command = process.stdout.readline().split()
@@ -90,7 +91,7 @@ class PrivateDesktop(unittest.TestCase):
         self.assertNotEqual(0, answer("tray bus", secrets))
 
     def test_leaves_nothing_when_the_command_is_killed(self):
-        process, folder, display, _, command = self.start()
+        process, folder, display, _, command = self.start(STUBBORN, without="")
         os.kill(command, signal.SIGKILL)
         self.assertEqual(137, process.wait(SECONDS))
         self.assert_nothing_left(folder, display)
