@@ -18,12 +18,12 @@ struct ProviderRow {
 
 constexpr std::array rows{
     ProviderRow{AIProvider::apple, "apple"_L1, "Apple Intelligence"_L1, ""_L1, ""_L1, ""_L1, false},
-    ProviderRow{AIProvider::openAI, "openAI"_L1, "OpenAI"_L1, "https://api.openai.com/v1"_L1, "gpt-4.1-mini"_L1,
-                "whisper-1"_L1, true},
+    ProviderRow{AIProvider::openAI, "openAI"_L1, "OpenAI"_L1, "https://api.openai.com/v1"_L1,
+                "gpt-4.1-mini"_L1, "whisper-1"_L1, true},
     ProviderRow{AIProvider::groq, "groq"_L1, "Groq"_L1, "https://api.groq.com/openai/v1"_L1,
                 "openai/gpt-oss-120b"_L1, "whisper-large-v3-turbo"_L1, true},
-    ProviderRow{AIProvider::ollama, "ollama"_L1, "Ollama"_L1, "http://localhost:11434/v1"_L1, "llama3.2"_L1, ""_L1,
-                false},
+    ProviderRow{AIProvider::ollama, "ollama"_L1, "Ollama"_L1, "http://localhost:11434/v1"_L1, "llama3.2"_L1,
+                ""_L1, false},
     ProviderRow{AIProvider::custom, "custom"_L1, "Custom"_L1, ""_L1, ""_L1, "whisper-1"_L1, true},
 };
 

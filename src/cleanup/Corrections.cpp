@@ -1,20 +1,22 @@
-#include "cleanup/Stages.h"
+#include "cleanup/Passes.h"
 
-#include "cleanup/PolishGuard.h"
+#include "cleanup/CorrectedText.h"
+#include "cleanup/CorrectionCues.h"
 #include "cleanup/Tables.h"
+#include "text/CaseMapping.h"
 #include "text/Characters.h"
 #include "text/Graphemes.h"
-#include "text/Pattern.h"
 #include "text/WhiteSpace.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace velorin::RuleCleaner {
 
-using namespace Qt::Literals::StringLiterals;
-using PolishGuard::words;
-
 namespace {
+
+using Range = CorrectedText::Range;
+
+constexpr QStringView clauseEndings = u",.!?";
 
 bool isOneOf(QStringView character, QStringView set) {
     return character.size() == 1 && set.contains(character.front());
@@ -32,20 +34,26 @@ QStringView withoutLeading(QStringView text, QStringView set) {
     return text;
 }
 
+/// Without what trails, then up to the last space; empty if there is none.
 QStringView dropLastWord(QStringView text) {
     text = WhiteSpace::trimmed(withoutTrailing(WhiteSpace::trimmed(text), u".,!?、。"));
-    while (!text.isEmpty() && Graphemes::last(text) != u" ")
-        text.chop(Graphemes::last(text).size());
-    return text.isEmpty() ? text : text.chopped(1);
+    for (qsizetype end = text.size(); end > 0;) {
+        const qsizetype space = text.first(end).lastIndexOf(u' ');
+        if (space < 0)
+            break;
+        if (Graphemes::isBoundary(text, space) && Graphemes::isBoundary(text, space + 1))
+            return text.first(space);
+        end = space;
+    }
+    return {};
 }
 
-/// The last match, if it stands between whole characters.
-std::optional<qsizetype> lastMatch(const Pattern& pattern, QStringView text) {
-    const auto matches = pattern.matches(text);
-    if (matches.empty() || !Graphemes::isBoundary(text, matches.back().start()) ||
-        !Graphemes::isBoundary(text, matches.back().end()))
-        return std::nullopt;
-    return matches.back().start();
+/// Without the first row of characters that are no white space, and the white space behind it.
+QStringView dropFirstChunk(QStringView text) {
+    const auto isSpace = [](QChar c) { return WhiteSpace::isWhitespaceOrNewline(c.unicode()); };
+    const auto* const chunkEnd = std::ranges::find_if(text, isSpace);
+    const qsizetype end = std::find_if_not(chunkEnd, text.end(), isSpace) - text.begin();
+    return chunkEnd != text.begin() && Graphemes::isBoundary(text, end) ? text.sliced(end) : text;
 }
 
 bool isNumber(QStringView word) {
@@ -56,102 +64,211 @@ bool isNumber(QStringView word) {
     return true;
 }
 
-/// Whether the words after the cue begin the sentence anew.
-bool isRestart(const QStringList& left, const QStringList& right) {
-    if (left.size() < 2 || right.size() < 2)
-        return false;
-    if (left[0] == right[0] && left[1] == right[1])
-        return true;
-    return right.size() > 2 && left.size() >= 3 && left[0] == right[right.size() - 2] &&
-           left[1] == right.back();
+bool isAscii(QStringView text) {
+    return std::ranges::all_of(text, [](QChar c) { return c.unicode() < 0x80; });
 }
 
-QString joined(QStringView base, QStringView separator, QStringView right) {
-    static const Pattern firstWord(u"^\\S+\\s*");
-    const QStringList baseWords = words(base);
-    const QStringList rightWords = words(right);
-    if (!baseWords.isEmpty() && !rightWords.isEmpty() && baseWords.back() == rightWords.front()) {
-        const auto match = firstWord.firstMatch(right);
-        if (match && Graphemes::isBoundary(right, match->end()))
-            right = right.sliced(match->end());
-    }
-    if (right.isEmpty())
-        return base.toString();
-    if (base.isEmpty())
-        return right.toString();
-    return base.toString() + separator.toString() + right.toString();
-}
-
-/// What of the text before the cue stays, and what stands between it and the text after the cue.
-struct Base {
+/// A word within its text, which decides how it is lower-cased.
+struct Word {
     QStringView text;
-    QStringView separator;
+    Range range;
+
+    [[nodiscard]] QStringView view() const { return text.sliced(range.start, range.end - range.start); }
+    [[nodiscard]] QString lower() const { return CaseMapping::lowerPart(text, range.start, range.end); }
 };
 
-Base shortenedAtDeterminer(QStringView stem, qsizetype rightCount) {
-    static const Pattern determiners(Tables::determinerWords);
-    const auto position = lastMatch(determiners, stem);
-    if (!position || words(stem.sliced(*position)).size() < rightCount)
-        return {stem, u", "};
-    return {WhiteSpace::trimmed(stem.first(*position)), u" "};
+bool areEqual(const Word& a, const Word& b) {
+    if (isAscii(a.view()) && isAscii(b.view()))
+        return a.view().compare(b.view(), Qt::CaseInsensitive) == 0;
+    return a.lower() == b.lower();
 }
 
-Base baseOf(QStringView left, QStringView stem, const QStringList& stemWords, const QStringList& rightWords) {
-    if (stemWords.size() >= 2 && Tables::contains(Tables::units, stemWords.back()) &&
-        isNumber(stemWords[stemWords.size() - 2]))
-        return {dropLastWord(dropLastWord(stem)), u" "};
-    if (left.back() != u',' || rightWords.size() < 3)
-        return {dropLastWord(stem), u" "};
-    if (!Tables::contains(Tables::determiners, rightWords.front()))
-        return {stem, u", "};
-    return shortenedAtDeterminer(stem, rightWords.size());
+/// The place of the word in the table, or that of its end.
+template <std::size_t size>
+std::size_t indexIn(const std::array<QStringView, size>& table, const Word& word) {
+    const QString foreign = isAscii(word.view()) ? QString() : word.lower();
+    const QStringView view = foreign.isEmpty() ? word.view() : QStringView(foreign);
+    const auto* const found = std::ranges::find_if(table, [&](QStringView each) {
+        return each.size() == view.size() && isAscii(view) && each.compare(view, Qt::CaseInsensitive) == 0;
+    });
+    return static_cast<std::size_t>(found - table.begin());
 }
 
-std::optional<QString> resolveCorrection(QStringView text, Pattern::Range cue) {
-    const QStringView left = WhiteSpace::trimmed(text.first(cue.start));
-    const QStringView right = WhiteSpace::trimmed(withoutLeading(text.sliced(cue.end), u" ,、。"));
-    if (left.isEmpty() || right.isEmpty() || !isOneOf(Graphemes::last(left), u",.!?"))
-        return std::nullopt;
-    const QStringList rightWords = words(right);
-    if (rightWords.isEmpty())
-        return std::nullopt;
-    const QString& firstWord = rightWords.front();
-    if (isRestart(words(left), rightWords) || Tables::contains(Tables::pronouns, firstWord))
-        return right.toString();
+template <std::size_t size>
+bool isIn(const std::array<QStringView, size>& table, const Word& word) {
+    return indexIn(table, word) < size;
+}
 
-    const QStringView stem = withoutTrailing(left, u".,!?");
-    const QStringList stemWords = words(stem);
-    if (stemWords.isEmpty())
-        return std::nullopt;
-    if (Tables::contains(Tables::auxiliaries, stemWords.back()))
-        return stem.toString() + u", "_s + right.toString();
-    if (Tables::contains(Tables::prepositions, firstWord)) {
-        const QString whole = u"\\b"_s + Pattern::escaped(firstWord) + u"\\b"_s;
-        const Pattern preposition(whole);
-        if (const auto position = lastMatch(preposition, stem)) {
-            const QStringView prefix = WhiteSpace::trimmed(stem.first(*position));
-            return prefix.isEmpty() ? right.toString() : QString(prefix.toString() + u' ' + right.toString());
-        }
-    }
-    const Base base = baseOf(left, stem, stemWords, rightWords);
-    return joined(base.text, base.separator, right);
+/// One cue and the text on both sides of it.
+class Correction final {
+public:
+    Correction(CorrectedText& text, const CorrectionCue& cue);
+
+    /// Decides what of the text before the cue is replaced by that behind it, and makes it so. False if the
+    /// cue stays.
+    bool make();
+
+private:
+    [[nodiscard]] Word leftWord(std::size_t number) const { return {stem_, text_.headWords()[number]}; }
+    [[nodiscard]] Word leftWordFromEnd(std::size_t number) const { return leftWord(leftCount_ - 1 - number); }
+    [[nodiscard]] Word rightWord(std::size_t number) const;
+
+    [[nodiscard]] bool isRestart() const;
+    [[nodiscard]] bool endsInNumberWithUnit() const;
+    [[nodiscard]] bool isWhole(Range word) const;
+    [[nodiscard]] QStringView stem() const { return stem_.sliced(leftStart_); }
+
+    bool keepOnly(QStringView right);
+    bool keep(QStringView base, QStringView separator, QStringView right);
+    bool join(QStringView base, QStringView separator);
+    bool replacePrepositionPhrase();
+    bool replaceDeterminerPhrase();
+    bool replaceEnd();
+
+    CorrectedText& text_;
+    /// What is left of the cue without its closing punctuation, from the very start of the text on, so that
+    /// positions in it are positions in the head.
+    QStringView stem_;
+    /// How much white space that begins with.
+    qsizetype leftStart_ = 0;
+    /// The punctuation before the cue; 0 if there is none, and the cue is none.
+    char16_t leftEnding_ = 0;
+    QStringView right_;
+    std::size_t leftCount_ = 0;
+    std::size_t rightCount_ = 0;
+};
+
+Correction::Correction(CorrectedText& text, const CorrectionCue& cue) : text_(text) {
+    text.moveGap(cue.end);
+    const QStringView head = text.head().first(cue.start);
+    const QStringView left = WhiteSpace::trimmed(head);
+    if (isOneOf(Graphemes::last(left), clauseEndings))
+        leftEnding_ = left.back().unicode();
+    leftStart_ = left.begin() - head.begin();
+    stem_ = head.first(leftStart_ + withoutTrailing(left, clauseEndings).size());
+    right_ = WhiteSpace::trimmed(withoutLeading(text.tail(), u" ,、。"));
+    rightCount_ = text.tailWordCount();
+}
+
+Word Correction::rightWord(std::size_t number) const {
+    const Range word = text_.tailWord(number);
+    const qsizetype skipped = right_.begin() - text_.tail().begin();
+    return {right_, {word.start - skipped, word.end - skipped}};
+}
+
+bool Correction::make() {
+    if (leftEnding_ == 0 || right_.isEmpty() || rightCount_ == 0)
+        return false;
+    text_.readHead(stem_.size());
+    leftCount_ = text_.headWords().size();
+    if (isRestart() || isIn(Tables::pronouns, rightWord(0)))
+        return keepOnly(right_);
+    if (leftCount_ == 0)
+        return false;
+    if (isIn(Tables::auxiliaries, leftWordFromEnd(0)))
+        return keep(stem(), u", ", right_);
+    return replacePrepositionPhrase() || replaceEnd();
+}
+
+/// The sentence begins anew: its first two words are said again, or stand at the end of what follows.
+bool Correction::isRestart() const {
+    if (leftCount_ < 2 || rightCount_ < 2)
+        return false;
+    const auto isSaidAgainAt = [&](std::size_t number) {
+        return areEqual(leftWord(0), rightWord(number)) && areEqual(leftWord(1), rightWord(number + 1));
+    };
+    return isSaidAgainAt(0) || (rightCount_ > 2 && leftCount_ >= 3 && isSaidAgainAt(rightCount_ - 2));
+}
+
+bool Correction::endsInNumberWithUnit() const {
+    return leftCount_ >= 2 && isIn(Tables::units, leftWordFromEnd(0)) && isNumber(leftWordFromEnd(1).view());
+}
+
+bool Correction::isWhole(Range word) const {
+    return Graphemes::isBoundary(stem_, word.start) && Graphemes::isBoundary(stem_, word.end);
+}
+
+/// The new phrase replaces the last one that began with the same preposition.
+bool Correction::replacePrepositionPhrase() {
+    const std::size_t number = indexIn(Tables::prepositions, rightWord(0));
+    if (number == Tables::prepositions.size())
+        return false;
+    const Range* const last = text_.lastPreposition(number);
+    if (!last || !isWhole(*last))
+        return false;
+    return keep(WhiteSpace::trimmed(stem_.first(last->start)), u" ", right_);
+}
+
+/// A number with its unit, the last word, or a phrase; or nothing, and both parts are kept.
+bool Correction::replaceEnd() {
+    if (endsInNumberWithUnit())
+        return join(dropLastWord(dropLastWord(stem())), u" ");
+    if (leftEnding_ != u',' || rightCount_ < 3)
+        return join(dropLastWord(stem()), u" ");
+    if (isIn(Tables::determiners, rightWord(0)))
+        return replaceDeterminerPhrase();
+    return join(stem(), u", ");
+}
+
+/// The phrase from the last determiner on is replaced, unless it is shorter than what follows.
+bool Correction::replaceDeterminerPhrase() {
+    const Range* const last = text_.lastDeterminer();
+    if (!last || !isWhole(*last))
+        return join(stem(), u", ");
+    const auto& words = text_.headWords();
+    const auto firstWord = std::ranges::upper_bound(words, last->start, {}, &Range::end);
+    if (static_cast<std::size_t>(words.end() - firstWord) < rightCount_)
+        return join(stem(), u", ");
+    return join(WhiteSpace::trimmed(stem_.first(last->start)), u" ");
+}
+
+/// A word that ends one part and begins the other appears once.
+bool Correction::join(QStringView base, QStringView separator) {
+    if (base.isEmpty())
+        return keepOnly(right_);
+    const QStringView whole = text_.head().first(base.end() - text_.head().begin());
+    text_.readHead(whole.size());
+    const bool isRepeated =
+        !text_.headWords().empty() && areEqual({whole, text_.headWords().back()}, rightWord(0));
+    return keep(base, separator, isRepeated ? dropFirstChunk(right_) : right_);
+}
+
+bool Correction::keepOnly(QStringView right) { return keep({}, {}, right); }
+
+bool Correction::keep(QStringView base, QStringView separator, QStringView right) {
+    const auto rangeWithin = [](QStringView part, QStringView whole) {
+        return part.isEmpty() ? Range{} : Range{part.begin() - whole.begin(), part.end() - whole.begin()};
+    };
+    const bool areBoth = !base.isEmpty() && !right.isEmpty();
+    text_.keep(rangeWithin(base, text_.head()), areBoth ? separator : QStringView(),
+               rangeWithin(right, text_.tail()));
+    return true;
+}
+
+/// A cue counts only right behind punctuation; most do not, and are told here at once.
+bool isBehindPunctuation(const CorrectedText& text, qsizetype position) {
+    while (position > 0 && WhiteSpace::isWhitespace(text.at(position - 1)))
+        --position;
+    return position > 0 && clauseEndings.contains(QChar(text.at(position - 1)));
 }
 
 } // namespace
 
-QString applyCorrections(const QString& text) {
-    static const Pattern cues(Tables::correctionCues);
-    const auto matches = cues.matches(text);
-    QString current = text;
-    for (auto match = matches.rbegin(); match != matches.rend(); ++match) {
+bool applyCorrections(Draft& draft) {
+    const CorrectionCues cues = correctionCuesIn(draft.text());
+    CorrectedText text(draft.text());
+    bool hasChanged = false;
+    for (auto cue = cues.rbegin(); cue != cues.rend(); ++cue) {
         // The offsets are those of the text as it came in; what has changed since is taken as it stands
         // there.
-        if (!Graphemes::isBoundary(current, match->start()) || !Graphemes::isBoundary(current, match->end()))
+        if (cue->end > text.size() || !isBehindPunctuation(text, cue->start) ||
+            !text.isBoundary(cue->start) || !text.isBoundary(cue->end))
             continue;
-        if (auto resolved = resolveCorrection(current, match->groups.front()))
-            current = *std::move(resolved);
+        hasChanged |= Correction(text, *cue).make();
     }
-    return current;
+    if (hasChanged)
+        draft.string() = text.toString();
+    return hasChanged;
 }
 
 } // namespace velorin::RuleCleaner

@@ -1,133 +1,166 @@
-#include "cleanup/Stages.h"
+#include "cleanup/Passes.h"
 
+#include "cleanup/Letters.h"
 #include "cleanup/Tables.h"
-#include "text/CaseMapping.h"
 #include "text/Graphemes.h"
 #include "text/Pattern.h"
 
-#include <QStringList>
-
-#include <numeric>
-#include <vector>
-
 namespace velorin::RuleCleaner {
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-struct SymbolPattern {
-    Pattern pattern;
-    QStringView symbol;
+using Letters::isAt;
+using Letters::Run;
+
+/// "jo at acme dot org". Rare, and its conditions are many: here the pattern itself does the work.
+void joinAddresses(Draft& draft) {
+    static const Pattern pattern(Tables::spokenAddress);
+    draft.string() = pattern.replaceAll(draft.string(), Tables::writtenAddress);
+}
+
+bool beginsLongFlag(WordKey key) {
+    return key == wordKey(u"dash") || key == wordKey(u"double") || key == wordKey(u"hyphen");
+}
+
+qsizetype endOfFlagName(QStringView text, qsizetype position) {
+    while (position < text.size() && (Letters::isPlainAlphanumeric(text[position].unicode()) ||
+                                      text[position] == u'_' || text[position] == u'-'))
+        ++position;
+    return position;
+}
+
+/// "dash dash amend" becomes "--amend".
+void joinLongFlags(Draft& draft) {
+    const QStringView text = draft.text();
+    Run first;
+    qsizetype limit = 0;
+    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
+        const Run before = std::exchange(first, run);
+        if (run.key != wordKey(u"dash") || !beginsLongFlag(before.key) || before.start < limit ||
+            before.end + 1 != run.start || (text[before.end] != u' ' && text[before.end] != u'-') ||
+            !Letters::isWordBoundary(text, before.start))
+            continue;
+        const qsizetype name = Letters::skipSpaces(text, run.end);
+        if (name == run.end || name == text.size() || !Letters::isPlainAlphanumeric(text[name].unicode()))
+            continue;
+        draft.replace(before.start, name, u"--");
+        limit = endOfFlagName(text, name);
+    }
+    draft.commit();
+}
+
+bool isIdentifierHead(char16_t unit) { return Letters::isPlainAlphanumeric(unit) || unit == u'_'; }
+
+bool isIdentifierTail(char16_t unit) {
+    return isIdentifierHead(unit) || unit == u'.' || unit == u'/' || unit == u'-';
+}
+
+bool isSeparator(WordKey key) {
+    return key == wordKey(u"slash") || key == wordKey(u"underscore") || key == wordKey(u"dot") ||
+           key == wordKey(u"arrow");
+}
+
+/// A spoken separator between two identifiers, all of what one match takes in.
+struct Join {
+    qsizetype start = 0;
+    qsizetype leftEnd = 0;
+    Run separator;
+    qsizetype rightStart = 0;
+    qsizetype end = 0;
 };
 
-Pattern symbolPattern(QStringView phrase) {
-    QStringList pieces;
-    for (const QStringView piece : phrase.split(u' '))
-        pieces.append(Pattern::escaped(piece));
-    const QString guarded = u"(?<![\\p{L}\\p{N}])"_s + pieces.join(u"\\s+"_s) + u"(?![\\p{L}\\p{N}])"_s;
-    return Pattern(guarded);
+/// Reads the identifiers on both sides; the left one must not begin before the limit.
+std::optional<Join> joinAround(QStringView text, Run separator, qsizetype limit) {
+    Join join{.separator = separator};
+    join.leftEnd = Letters::skipSpacesBack(text, separator.start, limit);
+    join.rightStart = Letters::skipSpaces(text, separator.end);
+    if (join.leftEnd == separator.start || join.rightStart == separator.end)
+        return std::nullopt;
+    join.end = join.rightStart;
+    while (join.end < text.size() && isIdentifierTail(text[join.end].unicode()))
+        ++join.end;
+    if (join.end == join.rightStart || !isIdentifierHead(text[join.rightStart].unicode()))
+        return std::nullopt;
+    join.start = join.leftEnd;
+    while (join.start > limit && isIdentifierTail(text[join.start - 1].unicode()))
+        --join.start;
+    while (join.start < join.leftEnd && !isIdentifierHead(text[join.start].unicode()))
+        ++join.start;
+    return join.start < join.leftEnd ? std::optional(join) : std::nullopt;
 }
 
-std::vector<SymbolPattern> symbolPatterns() {
-    std::vector<Tables::Substitution> table(Tables::codeSymbols.begin(), Tables::codeSymbols.end());
-    std::stable_sort(table.begin(), table.end(), [](const auto& a, const auto& b) {
-        return Graphemes::count(a.spoken) > Graphemes::count(b.spoken);
-    });
-    std::vector<SymbolPattern> patterns;
-    for (const auto& [spoken, written] : table)
-        patterns.push_back({symbolPattern(spoken), written});
-    return patterns;
+/// After a function word the separator is prose. Only plain letters count, whatever folding would make of
+/// others.
+bool isFunctionWord(QStringView word) {
+    constexpr qsizetype longest = 5;
+    if (word.size() > longest)
+        return false;
+    std::array<QChar, longest> lower;
+    for (qsizetype i = 0; i < word.size(); ++i)
+        lower[static_cast<std::size_t>(i)] = word[i].unicode() < 0x80 ? word[i].toLower() : word[i];
+    return Tables::contains(Tables::functionWords, QStringView(lower.data(), word.size()));
 }
 
-/// Replaces the matches that stand between whole characters by what `written` makes of them.
-template <typename Written>
-QString replacingMatches(const Pattern& pattern, const QString& text, Written written) {
-    QString result;
-    qsizetype copied = 0;
-    for (const Pattern::Match& match : pattern.matches(text)) {
-        if (!Graphemes::isBoundary(text, match.start()) || !Graphemes::isBoundary(text, match.end()))
-            continue;
-        result.append(QStringView(text).sliced(copied, match.start() - copied));
-        result.append(written(match));
-        copied = match.end();
-    }
-    return result.append(QStringView(text).sliced(copied));
-}
-
-QString symbolFor(const QString& spoken) {
-    const QString key = CaseMapping::lower(spoken);
+/// A separator that was spelt with a long s stands for itself.
+QStringView symbolFor(QStringView spoken) {
     for (const auto& [name, symbol] : Tables::spokenSeparators) {
-        if (name == key)
-            return symbol.toString();
+        if (spoken.compare(name, Qt::CaseInsensitive) == 0 && !spoken.contains(QChar(u'\u017F')))
+            return symbol;
     }
     return spoken;
 }
 
-QString joinSeparators(const QString& text) {
-    static const Pattern pattern(Tables::spokenSeparator);
-    QString current = text;
-    for (int pass = 0; pass < Tables::separatorPasses; ++pass) {
-        const QString joined = replacingMatches(pattern, current, [&](const Pattern::Match& match) {
-            const QString left = match.groups[1].in(current).toString();
-            const QString spoken = match.groups[2].in(current).toString();
-            const QString right = match.groups[3].in(current).toString();
-            if (Tables::contains(Tables::functionWords, CaseMapping::lower(left)))
-                return QString(left + u' ' + spoken + u' ' + right);
-            return QString(left + symbolFor(spoken) + right);
-        });
-        if (joined == current)
-            break;
-        current = joined;
+void write(Draft& draft, const Join& join) {
+    const QStringView text = draft.text();
+    const QStringView spoken = text.sliced(join.separator.start, join.separator.end - join.separator.start);
+    if (!isFunctionWord(text.sliced(join.start, join.leftEnd - join.start))) {
+        draft.replace(join.leftEnd, join.rightStart, symbolFor(spoken));
+    } else if (join.rightStart - join.leftEnd != spoken.size() + 2 || text[join.leftEnd] != u' ' ||
+               text[join.separator.end] != u' ') {
+        draft.replace(join.leftEnd, join.separator.start, u" ");
+        draft.replace(join.separator.end, join.rightStart, u" ");
     }
-    return current;
 }
 
-QStringView firstWordOf(QStringView text) {
-    qsizetype start = 0;
-    while (start < text.size() && Graphemes::first(text.sliced(start)) == u" ")
-        ++start;
-    qsizetype end = start;
-    while (end < text.size() && Graphemes::first(text.sliced(end)) != u" ")
-        end = Graphemes::next(text, end);
-    return text.sliced(start, end - start);
+/// Joins what stands side by side; whether anything was.
+bool joinSeparatorsOnce(Draft& draft) {
+    const QStringView text = draft.text();
+    qsizetype limit = 0;
+    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
+        if (!isSeparator(run.key) || run.start < limit)
+            continue;
+        const std::optional<Join> join = joinAround(text, run, limit);
+        if (!join)
+            continue;
+        limit = join->end;
+        if (Graphemes::isBoundary(text, join->start) && Graphemes::isBoundary(text, join->end))
+            write(draft, *join);
+    }
+    return draft.commit();
+}
+
+void joinSeparators(Draft& draft) {
+    for (int pass = 0; pass < Tables::separatorPasses; ++pass) {
+        if (!joinSeparatorsOnce(draft))
+            return;
+    }
 }
 
 } // namespace
 
-QString commandFlags(const QString& text) {
-    static const std::array<Pattern, 3> patterns{Pattern(Tables::typesetFlags[0].spoken),
-                                                 Pattern(Tables::typesetFlags[1].spoken),
-                                                 Pattern(Tables::typesetFlags[2].spoken)};
-    QString result = text;
-    for (std::size_t i = 0; i < patterns.size(); ++i)
-        result = patterns[i].replaceAll(result, Tables::typesetFlags[i].written);
-
-    const QStringView word = firstWordOf(result);
-    const QString lower = CaseMapping::lower(word);
-    if (word == lower || !Tables::contains(Tables::commandNames, lower))
-        return result;
-    return lower + Graphemes::drop(result, Graphemes::count(word)).toString();
-}
-
-QString applyCodeSymbols(const QString& text) {
-    static const std::vector<SymbolPattern> patterns = symbolPatterns();
-    QString result = text;
-    for (const SymbolPattern& each : patterns)
-        result = replacingMatches(each.pattern, result, [&](const Pattern::Match&) { return each.symbol; });
-    return result;
-}
-
-QString spokenPunctuation(const QString& text, ContextProfile profile) {
-    static const Pattern address(Tables::spokenAddress);
-    static const Pattern longFlag(Tables::spokenLongFlag);
-    QString result = text;
-    if (profile == ContextProfile::email)
-        result = address.replaceAll(result, Tables::writtenAddress);
-    result = longFlag.replaceAll(result, Tables::writtenLongFlag);
-    if (usesCodeSymbols(profile))
-        result = applyCodeSymbols(commandFlags(result));
-    return joinSeparators(result);
+void spokenPunctuation(Draft& draft, ContextProfile profile, Lexicon::Concerns concerns) {
+    using namespace Lexicon;
+    if (profile == ContextProfile::email && (concerns & addressAt) && (concerns & addressDot))
+        joinAddresses(draft);
+    if (concerns & longFlags)
+        joinLongFlags(draft);
+    if (usesCodeSymbols(profile)) {
+        commandFlags(draft);
+        if (concerns & codeSymbols)
+            applyCodeSymbols(draft);
+    }
+    if (concerns & separators)
+        joinSeparators(draft);
 }
 
 } // namespace velorin::RuleCleaner

@@ -22,6 +22,7 @@ namespace velorin::DefaultsValues {
 [[nodiscard]] std::optional<QStringList> stringArray(const UserDefaults& defaults, const QString& key);
 
 /// Nothing unless it is a map to texts only.
-[[nodiscard]] std::optional<QHash<QString, QString>> stringMap(const UserDefaults& defaults, const QString& key);
+[[nodiscard]] std::optional<QHash<QString, QString>> stringMap(const UserDefaults& defaults,
+                                                               const QString& key);
 
 } // namespace velorin::DefaultsValues

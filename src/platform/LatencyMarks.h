@@ -22,7 +22,9 @@ public:
     using Time = std::chrono::steady_clock::time_point;
     struct Dictation {
         std::array<std::optional<Time>, stageCount> times;
-        [[nodiscard]] std::optional<Time> at(Stage stage) const { return times[static_cast<std::size_t>(stage)]; }
+        [[nodiscard]] std::optional<Time> at(Stage stage) const {
+            return times[static_cast<std::size_t>(stage)];
+        }
     };
     static constexpr std::size_t kept = 100;
 

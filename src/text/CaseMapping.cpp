@@ -30,6 +30,33 @@ QString mapped(QStringView text, Map map) {
     }
 }
 
+bool isCaseIgnorable(char32_t codePoint) {
+    return u_hasBinaryProperty(static_cast<UChar32>(codePoint), UCHAR_CASE_IGNORABLE);
+}
+
+/// Back to the first code point that counts when the case of its neighbour is asked for.
+QStringView contextBefore(QStringView text, qsizetype position) {
+    qsizetype start = position;
+    while (start > 0) {
+        const char32_t c = Characters::codePointBefore(text, start);
+        start -= Characters::length(c);
+        if (!isCaseIgnorable(c))
+            break;
+    }
+    return text.sliced(start, position - start);
+}
+
+QStringView contextBehind(QStringView text, qsizetype position) {
+    qsizetype end = position;
+    while (end < text.size()) {
+        const char32_t c = Characters::codePointAt(text, end);
+        end += Characters::length(c);
+        if (!isCaseIgnorable(c))
+            break;
+    }
+    return text.sliced(position, end - position);
+}
+
 bool isSingleCodePoint(QStringView character) {
     return !character.isEmpty() &&
            Characters::length(Characters::codePointAt(character, 0)) == character.size();
@@ -44,6 +71,17 @@ bool hasProperty(QStringView character, UProperty property) {
 QString lower(QStringView text) {
     return mapped(text, [](char16_t* out, int32_t room, const char16_t* in, int32_t size,
                            UErrorCode* status) { return u_strToLower(out, room, in, size, "", status); });
+}
+
+QString lowerPart(QStringView text, qsizetype start, qsizetype end) {
+    const QStringView part = text.sliced(start, end - start);
+    if (!part.contains(QChar(u'\u03A3')))
+        return lower(part);
+    const QStringView before = contextBefore(text, start);
+    const QStringView behind = contextBehind(text, end);
+    const QString whole = lower(QStringView(before.begin(), behind.end()));
+    const qsizetype first = lower(before).size();
+    return whole.sliced(first, whole.size() - lower(behind).size() - first);
 }
 
 QString upper(QStringView text) {

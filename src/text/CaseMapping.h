@@ -11,6 +11,10 @@ namespace velorin::CaseMapping {
 [[nodiscard]] QString lower(QStringView text);
 [[nodiscard]] QString upper(QStringView text);
 
+/// The part of the text as lower-casing the whole text would make it: a sigma looks at what stands next to
+/// its word. Reads no more of the text than it must.
+[[nodiscard]] QString lowerPart(QStringView text, qsizetype start, qsizetype end);
+
 /// The form by which texts are compared when case does not count (full case folding).
 [[nodiscard]] QString folded(QStringView text);
 [[nodiscard]] bool equalIgnoringCase(QStringView a, QStringView b);

@@ -29,8 +29,8 @@ public:
 
 private:
     static void handle(QtMsgType, const QMessageLogContext& context, const QString& message) {
-        lines_.append(QString::fromLatin1(context.category).section(QLatin1Char('.'), -1) + QStringLiteral(": ") +
-                      message);
+        lines_.append(QString::fromLatin1(context.category).section(QLatin1Char('.'), -1) +
+                      QStringLiteral(": ") + message);
     }
 
     static inline QStringList lines_;

@@ -1,5 +1,6 @@
 #include "Suites.h"
 
+#include "../cleanup/reference/Reference.h"
 #include "cleanup/PolishGuard.h"
 #include "cleanup/RuleCleaner.h"
 #include "cleanup/Stages.h"
@@ -45,6 +46,36 @@ QJsonValue contextDetect(const QJsonObject& in) {
     return rawString(ContextDetector::detect(text(u"bundleID"), [&] { return text(u"windowTitle"); }));
 }
 
+void addReferences(SuiteTable& table) {
+    table.addReference(u"cleaner.clean"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::clean(in[u"raw"].toString(), replacementsIn(in), profileIn(in));
+    });
+    table.addReference(u"cleaner.spokenPunctuation"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::spokenPunctuation(textIn(in), profileIn(in));
+    });
+    table.addReference(u"cleaner.applyCodeSymbols"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::applyCodeSymbols(textIn(in));
+    });
+    table.addReference(u"cleaner.stripFillers"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::stripFillers(textIn(in));
+    });
+    table.addReference(u"cleaner.applyCorrections"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::applyCorrections(textIn(in));
+    });
+    table.addReference(u"cleaner.applyReplacements"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::applyReplacements(textIn(in), replacementsIn(in));
+    });
+    table.addReference(u"cleaner.tidy"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::tidy(textIn(in), in[u"endsPunctuated"].toBool(), profileIn(in));
+    });
+    table.addReference(u"cleaner.normalizeLayout"_s, [](const QJsonObject& in) -> QJsonValue {
+        return Reference::normalizeLayout(textIn(in), in[u"capitalize"].toBool());
+    });
+    table.addReference(u"cleaner.words"_s, [](const QJsonObject& in) -> QJsonValue {
+        return QJsonArray::fromStringList(Reference::words(textIn(in)));
+    });
+}
+
 } // namespace
 
 void addCleanupSuites(SuiteTable& table) {
@@ -75,6 +106,7 @@ void addCleanupSuites(SuiteTable& table) {
     table.add(u"polishGuard.rejection"_s, &polishRejection);
     table.add(u"context.flags"_s, &contextFlags);
     table.add(u"context.detect"_s, &contextDetect);
+    addReferences(table);
 }
 
 } // namespace velorin::vectors

@@ -5,6 +5,7 @@ namespace velorin::vectors {
 SuiteTable allSuites() {
     SuiteTable table;
     addCleanupSuites(table);
+    addCoreSuites(table);
     addShortcutSuites(table);
     return table;
 }

@@ -6,6 +6,7 @@
 namespace velorin::vectors {
 
 void addCleanupSuites(SuiteTable& table);
+void addCoreSuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
 
 /// All of them.

@@ -18,7 +18,8 @@ bool call(const QString& service, const QString& path, const QString& interface,
           const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
-    return QDBusConnection::sessionBus().call(message, QDBus::Block, deadline).type() == QDBusMessage::ReplyMessage;
+    return QDBusConnection::sessionBus().call(message, QDBus::Block, deadline).type() ==
+           QDBusMessage::ReplyMessage;
 }
 
 } // namespace

@@ -15,8 +15,8 @@ public:
     static void revealFile(const QString& path);
     /// Opens the address in the program that the user has chosen for it.
     static void openUrl(const QUrl& url);
-    /// Starts this program anew, detached, and then ends this process, whatever came of it. Before, the name on
-    /// the bus is given up by `giveUpName`: the newcomer must not take us for the running instance.
+    /// Starts this program anew, detached, and then ends this process, whatever came of it. Before, the name
+    /// on the bus is given up by `giveUpName`: the newcomer must not take us for the running instance.
     static void relaunch(const std::function<void()>& giveUpName);
 };
 

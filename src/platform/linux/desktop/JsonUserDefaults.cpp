@@ -34,7 +34,8 @@ void JsonUserDefaults::load() {
     const auto document = opened ? QJsonDocument::fromJson(file.readAll()) : QJsonDocument();
     isUnreadable_ = !document.isObject();
     if (isUnreadable_)
-        qCWarning(preferencesLog).noquote() << u"the preferences in %1 cannot be read; the defaults are taken"_s.arg(path_);
+        qCWarning(preferencesLog).noquote()
+            << u"the preferences in %1 cannot be read; the defaults are taken"_s.arg(path_);
     else
         values_ = document.object();
 }

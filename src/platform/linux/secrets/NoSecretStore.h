@@ -7,7 +7,9 @@ namespace velorin {
 
 class NoSecretStore final : public SecretStore {
 public:
-    [[nodiscard]] std::optional<QByteArray> read(const QString&, const QString&) override { return std::nullopt; }
+    [[nodiscard]] std::optional<QByteArray> read(const QString&, const QString&) override {
+        return std::nullopt;
+    }
     bool add(const QString&, const QString&, const QByteArray&) override { return false; }
     void remove(const QString&, const QString&) override {}
 };

@@ -28,7 +28,9 @@ TEST(SystemClock, RunsNothingWhoseHandleIsGone) {
     SystemClock clock;
     QEventLoop loop;
     bool ran = false;
-    { const auto cancelled = clock.after(0ms, [&] { ran = true; }); }
+    {
+        const auto cancelled = clock.after(0ms, [&] { ran = true; });
+    }
     const auto later = clock.after(5ms, [&] { loop.quit(); });
     loop.exec();
     EXPECT_FALSE(ran);

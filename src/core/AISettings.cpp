@@ -1,0 +1,50 @@
+#include "core/AISettings.h"
+
+#include "core/AppModel.h"
+#include "text/WhiteSpace.h"
+
+namespace velorin {
+
+AISettings::AISettings(AppModel& model, SecretStore& secrets) : model_(model), keychain_(secrets) {}
+
+void AISettings::selectProvider(AIProvider provider) {
+    if (provider == model_.aiProvider())
+        return;
+    if (model_.aiProvider() != AIProvider::apple)
+        model_.storeProviderConfig();
+    model_.storeTranscriptionModel();
+    model_.setAIProvider(provider);
+    const QString row = rawString(provider);
+    if (provider != AIProvider::apple) {
+        const auto config =
+            model_.aiProviderConfigs().value(row, {defaultEndpoint(provider), defaultModel(provider)});
+        model_.setAIEndpoint(config.endpoint);
+        model_.setAIModel(config.model);
+    }
+    model_.setAITranscriptionModel(
+        model_.aiTranscriptionModels().value(row, defaultTranscriptionModel(provider)));
+    refreshKeyState();
+    model_.persistPreferences();
+}
+
+bool AISettings::saveKey(const QString& key) {
+    if (model_.aiProvider() == AIProvider::apple)
+        return false;
+    const QString trimmed = WhiteSpace::trimmed(key, WhiteSpace::Set::whitespacesAndNewlines).toString();
+    if (trimmed.isEmpty())
+        return false;
+    const bool saved = keychain_.save(trimmed, model_.aiProvider());
+    refreshKeyState();
+    return saved;
+}
+
+void AISettings::refreshKeyState() {
+    const bool takesKey = model_.aiProvider() != AIProvider::apple;
+    model_.setAIKeyConfigured(takesKey && !keychain_.read(model_.aiProvider()).value_or(QString()).isEmpty());
+}
+
+bool AISettings::hasLegacyKey() const {
+    return !keychain_.read(AIKeychain::legacyAccount()).value_or(QString()).isEmpty();
+}
+
+} // namespace velorin

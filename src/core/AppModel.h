@@ -1,0 +1,108 @@
+/// The application model: the hub that owns the speech engine and the shortcuts, holds all state, and offers
+/// the operations that the views call. One instance lives as long as the program. Main thread only.
+///
+/// The work is done by collaborators named after what they do (DictationSession, InsertionRouter, History …);
+/// what happens when a dictation stops is read in DictationSession.cpp.
+///
+///     AppModel model(platform, {.finishing = …, .selection = …, .hud = overlay});
+///     model.toggleDictation();
+#pragma once
+
+#include "core/AppState.h"
+#include "core/FinishingOperations.h"
+#include "core/Overlay.h"
+#include "core/SelectionOperations.h"
+#include "shortcuts/DictationShortcutSessionController.h"
+
+#include <QCoro/QCoroTask>
+
+#include <memory>
+
+namespace velorin {
+
+class DictationSession;
+class SpeechEngine;
+class ShortcutBackend;
+struct Platform;
+
+class AppModel final : public AppState {
+    Q_OBJECT
+public:
+    /// What a dictation ends in and reads from, beyond the platform.
+    struct Seams {
+        std::unique_ptr<FinishingOperations> finishing;
+        std::unique_ptr<SelectionOperations> selection;
+        Overlay& hud;
+    };
+
+    /// Reads the stored settings and the history and starts the shortcuts. Cannot fail, and waits for no
+    /// network; the platform outlives the model.
+    AppModel(Platform& platform, Seams seams);
+    ~AppModel() override;
+
+    // Dictation.
+    void handleShortcutEvent(ShortcutEvent event);
+    Q_INVOKABLE void toggleDictation();
+    QCoro::Task<> start();
+    QCoro::Task<> stop();
+    void finishDictation(const QString& cleaned, const QString& raw);
+    void refreshCleaned();
+    [[nodiscard]] QString cleanedTextForCurrentMode() const;
+    void pushLevel(float value);
+    void contextModeChanged();
+    /// Shows the overlay for a moment as if somebody dictated.
+    Q_INVOKABLE void previewOverlay();
+    [[nodiscard]] const DictationShortcutSessionController& shortcutSession() const;
+    /// Whether no session task is running or waiting.
+    [[nodiscard]] bool isSettled() const;
+
+    // Delivery.
+    void insertText(const QString& text, const std::optional<RunningApplication>& target);
+    void insertIntoFrontmostApp(const std::optional<RunningApplication>& target);
+    void pasteAgain();
+
+    // What is kept.
+    void recordHistory(const QString& raw, const QString& cleaned);
+    void deleteHistory(const DictationRecord& record);
+    void clearHistory();
+    void captureDictation(const QString& raw, const QString& cleaned, const QString& kind);
+    void refreshCaptureStatus();
+    void revealCaptureFile();
+    void clearCaptureFile();
+
+    // Settings. No field writes itself: whoever changes one calls persistPreferences().
+    void persistPreferences();
+    void completeOnboarding();
+    /// Drops what is empty or differs from a listed word by case only.
+    void addVocabulary(const QString& word);
+    void removeVocabulary(const QString& word);
+    /// False when there is nothing to hear or to write; nothing changes then.
+    bool addReplacement(const QString& heard, const QString& replacement);
+    void removeReplacement(const QUuid& id);
+
+    // Permissions and shortcuts.
+    void refreshPermissions();
+    void applyActivation();
+    void relaunch();
+    [[nodiscard]] ShortcutBackend& shortcuts();
+
+    // AI.
+    [[nodiscard]] bool aiConfigured() const;
+    [[nodiscard]] bool providerTranscriptionActive() const;
+    [[nodiscard]] QString generateTriggerDisplay() const;
+    void selectAIProvider(AIProvider provider);
+    bool saveAIKey(const QString& key);
+    void refreshAIKeyState();
+    /// The working endpoint and model become the current provider's row of the table.
+    void storeProviderConfig();
+    void storeTranscriptionModel();
+
+private:
+    struct Collaborators;
+
+    void wireShortcuts();
+
+    std::unique_ptr<Collaborators> parts_;
+};
+
+} // namespace velorin

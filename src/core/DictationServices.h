@@ -1,0 +1,23 @@
+/// What a dictation reaches outside the model, gathered: the engine, the neighbours and the ports. Everything
+/// in it outlives the session.
+#pragma once
+
+#include "core/FinishingOperations.h"
+#include "core/MainTasks.h"
+#include "core/Overlay.h"
+#include "core/SelectionOperations.h"
+#include "platform/Platform.h"
+#include "speech/SpeechEngine.h"
+
+namespace velorin {
+
+struct DictationServices {
+    Platform& platform;
+    SpeechEngine& engine;
+    FinishingOperations& finishing;
+    SelectionOperations& selection;
+    Overlay& hud;
+    MainTasks& tasks;
+};
+
+} // namespace velorin

@@ -1,0 +1,59 @@
+#include "core/History.h"
+
+#include "core/AppModel.h"
+#include "core/PrivateFiles.h"
+#include "platform/ApplicationFolders.h"
+#include "platform/Clock.h"
+#include "text/WhiteSpace.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace velorin {
+
+History::History(AppModel& model, ApplicationFolders& folders, Clock& clock)
+    : model_(model), folders_(folders), clock_(clock) {}
+
+QString History::filePath() const { return folders_.dataFolder() + u"/history.json"_s; }
+
+void History::load() {
+    const auto data = PrivateFiles::read(filePath());
+    if (auto records = data ? decodeDictationRecords(*data) : std::nullopt)
+        model_.setHistory(std::move(*records));
+}
+
+void History::record(const QString& raw, const QString& cleaned) {
+    if (!model_.historyEnabled())
+        return;
+    const QString text = WhiteSpace::trimmed(cleaned, WhiteSpace::Set::whitespacesAndNewlines).toString();
+    if (text.isEmpty())
+        return;
+    const auto target = model_.targetApp();
+    const DictationRecord record{
+        .id = QUuid::createUuid(),
+        .date = clock_.now(),
+        .appName = target ? target->localizedName.value_or(u"Unknown app"_s) : u"Unknown app"_s,
+        .text = text,
+        .raw = WhiteSpace::trimmed(raw, WhiteSpace::Set::whitespacesAndNewlines).toString()};
+    model_.changeHistory([&record](QList<DictationRecord>& history) {
+        history.prepend(record);
+        if (history.size() > maximumRecords)
+            history.resize(maximumRecords);
+    });
+    save();
+}
+
+void History::remove(const DictationRecord& record) {
+    model_.changeHistory([&record](QList<DictationRecord>& history) {
+        history.removeIf([&record](const DictationRecord& entry) { return entry.id == record.id; });
+    });
+    save();
+}
+
+void History::clear() {
+    model_.changeHistory([](QList<DictationRecord>& history) { history.clear(); });
+    save();
+}
+
+void History::save() const { PrivateFiles::write(filePath(), encode(model_.history())); }
+
+} // namespace velorin

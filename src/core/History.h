@@ -1,0 +1,37 @@
+/// The texts that were delivered, newest first, in memory and in a file.
+///
+/// No failure interrupts a dictation: a write that fails leaves the list right and the file out of date.
+/// Main thread, synchronous.
+#pragma once
+
+#include "core/DictationRecord.h"
+
+namespace velorin {
+
+class AppModel;
+class ApplicationFolders;
+class Clock;
+
+class History final {
+public:
+    static constexpr qsizetype maximumRecords = 200;
+
+    History(AppModel& model, ApplicationFolders& folders, Clock& clock);
+
+    /// Reads the file; what cannot be read is an empty history, and the file stays as it is.
+    void load();
+    /// Nothing happens while the history is switched off or for a text without a visible character.
+    void record(const QString& raw, const QString& cleaned);
+    void remove(const DictationRecord& record);
+    void clear();
+
+private:
+    [[nodiscard]] QString filePath() const;
+    void save() const;
+
+    AppModel& model_;
+    ApplicationFolders& folders_;
+    Clock& clock_;
+};
+
+} // namespace velorin

@@ -1,0 +1,108 @@
+#include "core/History.h"
+#include "tests/core/ModelFixture.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace velorin {
+namespace {
+
+class HistoryOfTheModel : public ModelFixture {
+protected:
+    QString path() const { return home.filePath(u"history.json"_s); }
+    QByteArray content() const {
+        QFile file(path());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void writeFile(const QByteArray& data) const {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(data);
+    }
+};
+
+TEST_F(HistoryOfTheModel, KeepsTwoHundredAndDropsTheOldest) {
+    start();
+    for (int i = 0; i < 201; ++i)
+        model->recordHistory(QString::number(i), QString::number(i));
+    EXPECT_EQ(model->history().size(), 200);
+    EXPECT_EQ(model->history().first().text, u"200"_s);
+    EXPECT_EQ(model->history().last().text, u"1"_s);
+    EXPECT_EQ(decodeDictationRecords(content())->size(), 200);
+}
+
+TEST_F(HistoryOfTheModel, TrimsTheTextsAndSkipsEmptyOnes) {
+    start();
+    model->recordHistory(u" raw "_s, u"\n text\n"_s);
+    model->recordHistory(u"raw"_s, u" \n"_s);
+    ASSERT_EQ(model->history().size(), 1);
+    EXPECT_EQ(model->history().first().text, u"text"_s);
+    EXPECT_EQ(model->history().first().raw, u"raw"_s);
+    EXPECT_EQ(model->history().first().appName, u"Unknown app"_s);
+}
+
+TEST_F(HistoryOfTheModel, IsReadAtTheStartAndOnlyItsOwnerMayReadIt) {
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    const auto history = model->history();
+    endModel();
+    start();
+    ASSERT_EQ(model->history().size(), 1);
+    EXPECT_EQ(model->history().first().id, history.first().id);
+    EXPECT_EQ(QFileInfo(path()).permissions() & 0x0077, QFile::Permissions());
+}
+
+TEST_F(HistoryOfTheModel, ADamagedFileStaysUntilTheNextDictation) {
+    writeFile("[{\"id\": ");
+    start();
+    EXPECT_TRUE(model->history().isEmpty());
+    EXPECT_EQ(content(), "[{\"id\": ");
+    model->recordHistory(u"raw"_s, u"text"_s);
+    EXPECT_EQ(decodeDictationRecords(content())->size(), 1);
+}
+
+TEST_F(HistoryOfTheModel, OneRecordWithoutARequiredKeyMakesTheWholeUnreadable) {
+    const QByteArray good =
+        R"({"id":"5E2A4C0B-7B64-4E0C-9E31-0A6C0C3B7C11","date":"2026-01-02T03:04:05Z","appName":"A","text":"t"})";
+    EXPECT_EQ(decodeDictationRecords("[" + good + "]")->first().raw, std::nullopt);
+    EXPECT_FALSE(decodeDictationRecords("[" + good + R"(,{"id":"x"}])").has_value());
+}
+
+TEST_F(HistoryOfTheModel, DeletingSavesAlsoWhenTheRecordWasGone) {
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    const auto record = model->history().first();
+    model->deleteHistory(record);
+    EXPECT_TRUE(model->history().isEmpty());
+    QFile::remove(path());
+    model->deleteHistory(record);
+    EXPECT_EQ(decodeDictationRecords(content())->size(), 0);
+}
+
+TEST_F(HistoryOfTheModel, ClearingLeavesAnEmptyListInTheFile) {
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    model->clearHistory();
+    EXPECT_EQ(decodeDictationRecords(content())->size(), 0);
+}
+
+TEST_F(HistoryOfTheModel, SwitchedOffKeepsWhatIsThereAndTakesNothingNew) {
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    model->setHistoryEnabled(false);
+    model->recordHistory(u"raw"_s, u"more"_s);
+    EXPECT_EQ(model->history().size(), 1);
+}
+
+TEST_F(HistoryOfTheModel, AFolderThatCannotBeWrittenInterruptsNothing) {
+    folders.data = u"/proc/velorin"_s;
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    EXPECT_EQ(model->history().size(), 1);
+    EXPECT_FALSE(model->hasErrorMessage());
+}
+
+} // namespace
+} // namespace velorin

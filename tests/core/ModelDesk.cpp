@@ -1,0 +1,89 @@
+#include "tests/core/ModelDesk.h"
+
+#include <QCoreApplication>
+
+namespace velorin {
+
+ModelDesk::ModelDesk() {
+    folders.data = home.path();
+    folders.temporary = home.path();
+    workspace.frontmost = editor();
+}
+
+ModelDesk::~ModelDesk() { endModel(); }
+
+RunningApplication ModelDesk::editor() {
+    return {.processIdentifier = 42,
+            .bundleIdentifier = QStringLiteral("org.xfce.mousepad"),
+            .kin = QStringLiteral("com.apple.TextEdit"),
+            .localizedName = QStringLiteral("Mousepad"),
+            .executablePath = {},
+            .window = 7};
+}
+
+AppModel& ModelDesk::start() {
+    auto newFinishing = std::make_unique<FakeFinishing>();
+    auto newSelection = std::make_unique<FakeSelection>();
+    finishing = newFinishing.get();
+    selection = newSelection.get();
+    model = std::make_unique<AppModel>(platform, AppModel::Seams{.finishing = std::move(newFinishing),
+                                                                 .selection = std::move(newSelection),
+                                                                 .hud = hud});
+    return *model;
+}
+
+void ModelDesk::endModel() {
+    if (!model)
+        return;
+    openGates();
+    settle();
+    if (model->isRecording()) {
+        model->toggleDictation();
+        settle();
+    }
+    model.reset();
+}
+
+void ModelDesk::openGates() {
+    for (Gate* gate : {&trust.microphoneGate, &recognition.statusGate, &recognition.downloadGate,
+                       &recognition.finalizationGate, &audioInput.formatGate, &audioInput.startGate,
+                       &audioInput.stopGate, &finishing->gate, &selection->gate})
+        gate->open();
+}
+
+void ModelDesk::settle() {
+    for (int round = 0; round < 8; ++round)
+        QCoreApplication::sendPostedEvents();
+}
+
+void ModelDesk::edge(ShortcutEvent event) {
+    model->handleShortcutEvent(event);
+    settle();
+}
+
+void ModelDesk::chooseMenuItem() {
+    model->toggleDictation();
+    settle();
+}
+
+void ModelDesk::hear(const QString& text, bool isFinal) {
+    recognition.deliver(text, isFinal);
+    settle();
+}
+
+void ModelDesk::tapToggle() {
+    edge(ShortcutEvent::toggleActivated);
+    edge(ShortcutEvent::toggleDeactivated);
+}
+
+void ModelDesk::dictate(const QString& text) {
+    pressHold();
+    hear(text, true);
+    releaseHold();
+}
+
+AudioBuffer ModelDesk::someSound() const {
+    return {.format = audioInput.format, .samples = std::vector<float>(8), .unreadableFrames = 0};
+}
+
+} // namespace velorin
