@@ -7,6 +7,7 @@ SuiteTable allSuites() {
     addCleanupSuites(table);
     addCoreSuites(table);
     addShortcutSuites(table);
+    addSpeechSuites(table);
     return table;
 }
 

@@ -8,6 +8,7 @@ namespace velorin::vectors {
 void addCleanupSuites(SuiteTable& table);
 void addCoreSuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
+void addSpeechSuites(SuiteTable& table);
 
 /// All of them.
 [[nodiscard]] SuiteTable allSuites();
