@@ -1,5 +1,6 @@
 #include "platform/linux/x11/KeyboardMap.h"
 
+#include <algorithm>
 #include <xcb/xinput.h>
 
 namespace velorin {
@@ -12,6 +13,8 @@ KeySet keySetOf(const std::uint8_t* bytes) {
         keys[key] = (bytes[key / 8] >> (key % 8) & 1) != 0;
     return keys;
 }
+
+constexpr std::uint32_t lockBit = XCB_MOD_MASK_LOCK;
 
 bool isLock(xcb_keysym_t symbol) {
     return symbol == KeySymbol::capsLock || symbol == KeySymbol::numLock || symbol == KeySymbol::scrollLock;
@@ -42,13 +45,29 @@ std::optional<KeyboardMap> KeyboardMap::read(const XConnection& connection, Dead
         map.modifiersOf_[key] |= static_cast<std::uint8_t>(1U << (i / modifiers->keycodes_per_modifier));
         if (!isLock(map.symbol(key, 0)))
             map.modifierKeys_.set(key);
+        else if (std::ranges::find(map.locks_, map.modifiersOf_[key]) == map.locks_.end())
+            map.locks_.push_back(map.modifiersOf_[key]);
     }
+    if (std::ranges::find(map.locks_, lockBit) == map.locks_.end()) // the server has it, keys or not
+        map.locks_.push_back(lockBit);
     return map;
 }
 
 xcb_keysym_t KeyboardMap::symbol(xcb_keycode_t key, std::size_t column) const {
     const auto index = static_cast<std::size_t>(key - first_) * columns_ + column;
     return key >= first_ && column < columns_ && index < symbols_.size() ? symbols_[index] : 0;
+}
+
+std::optional<xcb_keycode_t> KeyboardMap::neutralKey() const {
+    for (unsigned key = 255; key >= first_; --key) {
+        const auto code = static_cast<xcb_keycode_t>(key);
+        bool isFree = modifiersOf_[code] == 0;
+        for (std::size_t column = 0; column < columns_ && isFree; ++column)
+            isFree = symbol(code, column) == 0;
+        if (isFree)
+            return code;
+    }
+    return std::nullopt;
 }
 
 std::optional<xcb_keycode_t> KeyboardMap::keyFor(xcb_keysym_t wanted) const {

@@ -33,6 +33,10 @@ public:
 
     /// The keys that act as modifiers while they are held: not the locks.
     [[nodiscard]] const KeySet& modifierKeys() const { return modifierKeys_; }
+    /// The modifier bits of Caps Lock and Num Lock, as far as the keyboard has them.
+    [[nodiscard]] const std::vector<std::uint32_t>& locks() const { return locks_; }
+    /// A key code that means nothing in any layout; nothing where all are taken.
+    [[nodiscard]] std::optional<xcb_keycode_t> neutralKey() const;
     /// The modifier bits (of eight) that each key sets.
     [[nodiscard]] std::uint8_t modifiersOf(xcb_keycode_t key) const { return modifiersOf_[key]; }
 
@@ -44,6 +48,7 @@ private:
     std::size_t columns_ = 0;
     std::vector<xcb_keysym_t> symbols_;
     KeySet modifierKeys_;
+    std::vector<std::uint32_t> locks_;
     std::array<std::uint8_t, 256> modifiersOf_{};
 };
 

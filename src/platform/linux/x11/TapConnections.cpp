@@ -1,0 +1,184 @@
+#include "platform/linux/x11/TapConnections.h"
+
+#include <optional>
+#include <poll.h>
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+#define explicit isExplicit // a C header with a field of that name
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace velorin {
+
+namespace {
+
+constexpr auto patience = serverDeadline;
+
+void select(const XConnection& connection, std::uint16_t device, std::uint32_t events) {
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } request{{device, 1}, events};
+    xcb_input_xi_select_events(connection.get(), connection.root(), 1, &request.head);
+}
+
+} // namespace
+
+bool hasInput22(const XConnection& connection) {
+    if (!connection.extension(xcb_input_id))
+        return false;
+    const auto version = connection.reply<xcb_input_xi_query_version_reply_t>(
+        xcb_input_xi_query_version(connection.get(), 2, 2), Deadline(patience));
+    return version && (version->major_version > 2 || version->minor_version >= 2);
+}
+
+std::unique_ptr<TapConnections> TapConnections::open() {
+    auto grabs = XConnection::open();
+    auto raw = XConnection::open();
+    if (!grabs || !raw)
+        return nullptr;
+    std::unique_ptr<TapConnections> made(new TapConnections(std::move(grabs), std::move(raw))); // private
+    return made->setUp() ? std::move(made) : nullptr;
+}
+
+bool TapConnections::setUp() {
+    if (!hasInput22(*grabs_) || !hasInput22(*raw_) || !grabs_->extension(xcb_test_id))
+        return false;
+    opcode_ = grabs_->extension(xcb_input_id)->major_opcode;
+    // Only on the one that sets locks: a connection that speaks this extension is told of changes of the map
+    // in other ways than the one by which we are told.
+    if (grabs_->extension(xcb_xkb_id))
+        (void)grabs_->reply<xcb_xkb_use_extension_reply_t>(xcb_xkb_use_extension(grabs_->get(), 1, 0),
+                                                           Deadline(patience));
+    select(*raw_, XCB_INPUT_DEVICE_ALL_MASTER,
+           XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    select(*raw_, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
+    return readDevices() && raw_->sync(Deadline(patience));
+}
+
+bool TapConnections::readDevices() {
+    const auto devices = raw_->reply<xcb_input_xi_query_device_reply_t>(
+        xcb_input_xi_query_device(raw_->get(), XCB_INPUT_DEVICE_ALL), Deadline(patience));
+    if (!devices)
+        return false;
+    syntheticDevices_.clear();
+    masterKeyboard_ = 0;
+    for (auto infos = xcb_input_xi_query_device_infos_iterator(devices.get()); infos.rem > 0;
+         xcb_input_xi_device_info_next(&infos)) {
+        const auto& info = *infos.data;
+        const std::string_view name(xcb_input_xi_device_info_name(&info),
+                                    static_cast<std::size_t>(xcb_input_xi_device_info_name_length(&info)));
+        if (info.type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD && masterKeyboard_ == 0)
+            masterKeyboard_ = info.deviceid;
+        if (name.ends_with("XTEST keyboard"))
+            syntheticDevices_.insert(info.deviceid);
+    }
+    return masterKeyboard_ != 0;
+}
+
+void TapConnections::readGrabbed(std::deque<TapKey>& grabbedKeys) {
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(grabs_->get())})
+        if (const auto key = keyIn(*event))
+            grabbedKeys.push_back(*key);
+}
+
+std::optional<TapKey> TapConnections::nextGrabbed(std::deque<TapKey>& grabbedKeys) {
+    const Deadline deadline(patience);
+    for (;;) {
+        readGrabbed(grabbedKeys);
+        if (!grabbedKeys.empty()) {
+            const auto key = grabbedKeys.front();
+            grabbedKeys.pop_front();
+            return key;
+        }
+        if (grabs_->isBroken() || deadline.hasPassed())
+            return std::nullopt;
+        grabs_->flush();
+        pollfd waiting{grabs_->fileDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, deadline.pollTimeout());
+    }
+}
+
+bool TapConnections::read(std::deque<TapKey>& grabbedKeys, std::deque<TapKey>& rawKeys) {
+    bool isChanged = false;
+    // What is heard first: a grabbed key that is there already has then been heard as well.
+    readGrabbed(grabbedKeys);
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(raw_->get())}) {
+        const int type = event->response_type & 0x7f;
+        if (const auto key = keyIn(*event)) {
+            rawKeys.push_back(*key);
+        } else if (type == XCB_MAPPING_NOTIFY) {
+            isChanged = true;
+        } else if (type == XCB_GE_GENERIC &&
+                   reinterpret_cast<const xcb_ge_generic_event_t&>(*event).event_type ==
+                       XCB_INPUT_HIERARCHY) {
+            isChanged = true;
+            (void)readDevices();
+        }
+    }
+    return isChanged;
+}
+
+std::optional<TapKey> TapConnections::keyIn(const xcb_generic_event_t& event) const {
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    if ((event.response_type & 0x7f) != XCB_GE_GENERIC || generic.extension != opcode_)
+        return std::nullopt;
+    switch (generic.event_type) {
+    case XCB_INPUT_RAW_KEY_PRESS:
+    case XCB_INPUT_RAW_KEY_RELEASE: {
+        const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+        if ((raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0)
+            return std::nullopt;
+        return TapKey{generic.event_type == XCB_INPUT_RAW_KEY_PRESS, static_cast<xcb_keycode_t>(raw.detail),
+                      raw.sourceid, raw.time};
+    }
+    case XCB_INPUT_KEY_PRESS:
+    case XCB_INPUT_KEY_RELEASE: {
+        const auto& key = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
+        return TapKey{generic.event_type == XCB_INPUT_KEY_PRESS,
+                      static_cast<xcb_keycode_t>(key.detail),
+                      key.sourceid,
+                      key.time,
+                      key.mods.effective,
+                      key.mods.locked};
+    }
+    default:
+        return std::nullopt;
+    }
+}
+
+void TapConnections::replay() const {
+    xcb_input_xi_allow_events(grabs_->get(), XCB_CURRENT_TIME, masterKeyboard_,
+                              XCB_INPUT_EVENT_MODE_REPLAY_DEVICE, 0, grabs_->root());
+}
+
+void TapConnections::step() const {
+    xcb_input_xi_allow_events(grabs_->get(), XCB_CURRENT_TIME, masterKeyboard_,
+                              XCB_INPUT_EVENT_MODE_SYNC_DEVICE, 0, grabs_->root());
+}
+
+void TapConnections::post(bool isPress, xcb_keycode_t key) const {
+    xcb_test_fake_input(grabs_->get(), isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
+                        XCB_WINDOW_NONE, 0, 0, 0);
+}
+
+bool TapConnections::hold() const {
+    const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+    const auto answer = grabs_->reply<xcb_input_xi_grab_device_reply_t>(
+        xcb_input_xi_grab_device(grabs_->get(), grabs_->root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE,
+                                 masterKeyboard_, XCB_INPUT_GRAB_MODE_22_SYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                                 XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &events),
+        Deadline(patience));
+    return answer && answer->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void TapConnections::letGo() const {
+    xcb_input_xi_ungrab_device(grabs_->get(), XCB_CURRENT_TIME, masterKeyboard_);
+}
+
+void TapConnections::lock(std::uint32_t modifiers, std::uint32_t values) const {
+    xcb_xkb_latch_lock_state(grabs_->get(), XCB_XKB_ID_USE_CORE_KBD, static_cast<std::uint8_t>(modifiers),
+                             static_cast<std::uint8_t>(values), 0, 0, 0, 0, 0);
+}
+
+} // namespace velorin

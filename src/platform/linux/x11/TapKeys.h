@@ -1,0 +1,41 @@
+/// The keys of this keyboard in the numbers of the shortcuts, with the key that stands in for Fn.
+#pragma once
+
+#include "platform/linux/KeyCodes.h"
+
+#include <string_view>
+#include <xcb/xcb.h>
+
+namespace velorin {
+
+class TapKeys final {
+public:
+    /// The name of a stand-in as KeyCodes knows it.
+    explicit TapKeys(std::string_view standIn) : standIn_(KeyCodes::standInForFunction(standIn)) {}
+
+    /// The virtual key code of an X key code; the stand-in is Fn and no longer itself.
+    [[nodiscard]] std::optional<std::uint16_t> virtualOf(unsigned key) const {
+        if (key < offset)
+            return std::nullopt;
+        const auto evdev = static_cast<std::uint16_t>(key - offset);
+        return evdev == standIn_ ? std::optional(KeyCodes::function) : KeyCodes::fromEvdev(evdev);
+    }
+
+    [[nodiscard]] std::optional<xcb_keycode_t> keyOf(std::uint16_t virtualCode) const {
+        const auto evdev = virtualCode == KeyCodes::function ? standIn_ : KeyCodes::toEvdev(virtualCode);
+        const bool isTaken = virtualCode != KeyCodes::function && evdev == standIn_;
+        if (!evdev || isTaken || *evdev > largestEvdev)
+            return std::nullopt;
+        return static_cast<xcb_keycode_t>(*evdev + offset);
+    }
+
+    bool operator==(const TapKeys&) const = default;
+
+private:
+    static constexpr unsigned offset = 8; // X leaves the first codes free
+    static constexpr unsigned largestEvdev = 255 - offset;
+
+    std::optional<std::uint16_t> standIn_;
+};
+
+} // namespace velorin

@@ -1,0 +1,354 @@
+#include "platform/linux/x11/TapLoop.h"
+
+#include "platform/Log.h"
+#include "platform/linux/x11/Untangler.h"
+
+#include <algorithm>
+#include <array>
+#include <poll.h>
+
+namespace velorin {
+
+namespace {
+
+constexpr std::array<std::uint16_t, 9> modifierCodes{54, 55, 56, 58, 59, 60, 61, 62, 63};
+constexpr std::array<std::uint16_t, 2> superCodes{54, 55};
+
+KeySet modifierKeys(const TapKeys& keys) {
+    KeySet set;
+    for (const auto code : modifierCodes)
+        if (const auto key = keys.keyOf(code))
+            set.set(*key);
+    return set;
+}
+
+std::uint32_t superState(const TapKeys& keys, const KeyboardMap& map) {
+    std::uint32_t state = 0;
+    for (const auto code : superCodes)
+        if (const auto key = keys.keyOf(code))
+            state |= map.modifiersOf(*key);
+    return state;
+}
+
+} // namespace
+
+TapLoop::TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
+                 EventTap::Handler handler)
+    : connections_(std::move(connections)), shared_(shared), orders_(orders), handler_(std::move(handler)) {}
+
+TapLoop::~TapLoop() {
+    shared_->isWatched = 0;
+    shared_->tapResource = 0;
+    if (!connections_)
+        return;
+    for (unsigned key = 0; key < 256; ++key) // nobody will see the user let go of them
+        if (shared_->keys[key].exchange(0) == KeyState::givenBack)
+            connections_->post(false, static_cast<xcb_keycode_t>(key));
+    (void)connections_->grabs().sync(Deadline(serverDeadline));
+}
+
+bool TapLoop::run() {
+    setUp();
+    while (obey()) {
+        process();
+        shared_->answered = shared_->asked.load();
+        if (!connections_->isBroken())
+            wait();
+        else if (!comeBack())
+            return false;
+    }
+    return true;
+}
+
+bool TapLoop::obey() {
+    std::vector<TappedKey> keys;
+    std::string standIn;
+    {
+        const std::scoped_lock lock(orders_.mutex);
+        if (orders_.isStopping)
+            return false;
+        keys = orders_.keys;
+        standIn = orders_.standIn;
+    }
+    const TapKeys wanted(standIn);
+    if (keys != tappedKeys_ || wanted != keys_) {
+        tappedKeys_ = std::move(keys);
+        keys_ = wanted;
+        regrab();
+    }
+    return true;
+}
+
+void TapLoop::setUp() {
+    const auto& grabs = connections_->grabs();
+    const auto resource = xcb_generate_id(grabs.get());
+    xcb_create_pixmap(grabs.get(), 1, resource, grabs.root(), 1, 1);
+    shared_->tapResource = resource;
+    shared_->isWatched = 1;
+    map_ = KeyboardMap::read(grabs, Deadline(serverDeadline));
+    grabs_ = std::make_unique<TapGrabs>(*connections_, shared_);
+    regrab();
+    reconcile();
+}
+
+void TapLoop::regrab() {
+    if (map_)
+        grabs_->apply(planGrabs(tappedKeys_, keys_, *map_), keys_);
+}
+
+void TapLoop::wait() const {
+    connections_->grabs().flush();
+    connections_->raw().flush();
+    std::array<pollfd, 3> waiting{{{connections_->grabs().fileDescriptor(), POLLIN, 0},
+                                   {connections_->raw().fileDescriptor(), POLLIN, 0},
+                                   {orders_.wakeUp.fileDescriptor(), POLLIN, 0}}};
+    poll(waiting.data(), waiting.size(), -1);
+    if (waiting[2].revents != 0)
+        orders_.wakeUp.clear();
+}
+
+bool TapLoop::comeBack() {
+    process(); // what was still heard
+    grabs_.reset();
+    connections_.reset();
+    grabbedKeys_.clear();
+    heardKeys_.clear();
+    reposted_.clear();
+    connections_ = TapConnections::open();
+    if (!connections_) {
+        qCWarning(tapLog) << "the connection to the X server was lost";
+        return false;
+    }
+    qCWarning(tapLog) << "the tap's connection was ended; it has a new one";
+    setUp();
+    return true;
+}
+
+void TapLoop::process() {
+    for (;;) {
+        read();
+        if (!heardKeys_.empty()) {
+            const auto heard = heardKeys_.front();
+            heardKeys_.pop_front();
+            hear(heard);
+        } else if (!grabbedKeys_.empty()) {
+            // Whatever was grabbed has been heard as well, at the latest now.
+            (void)connections_->raw().sync(Deadline(serverDeadline));
+            read();
+            if (heardKeys_.empty() && !grabbedKeys_.empty()) {
+                const auto press = grabbedKeys_.front();
+                grabbedKeys_.pop_front();
+                decide(press);
+            }
+        } else {
+            return;
+        }
+    }
+}
+
+void TapLoop::read() {
+    if (connections_->read(grabbedKeys_, heardKeys_)) {
+        if (auto map = KeyboardMap::read(connections_->grabs(), Deadline(serverDeadline)))
+            map_ = std::move(map);
+        regrab();
+    }
+    // The end of a grab whose press was passed on or swallowed: nobody waits for it.
+    while (!grabbedKeys_.empty() && !grabbedKeys_.front().isPress)
+        grabbedKeys_.pop_front();
+}
+
+void TapLoop::hear(const TapKey& heard) {
+    const bool isUsers = !connections_->isSynthetic(heard);
+    if (isUsers)
+        userDown_[heard.key] = heard.isPress;
+    if (!heard.isPress) {
+        // Ours counts where we had to repeat what the user had long done.
+        if (isUsers || !userDown_[heard.key])
+            hearRelease(heard.key);
+        return;
+    }
+    if (grabs_->isGrabbed(heard.key)) {
+        if (const auto press = takeGrabbed(heard)) {
+            decide(*press);
+            return;
+        }
+    }
+    const auto again = reposted_.find(heard.key);
+    if (isUsers && again != reposted_.end())
+        return; // it is on its way once more
+    if (again != reposted_.end() && --again->second == 0)
+        reposted_.erase(again);
+    const auto code = keys_.virtualOf(heard.key);
+    if (isUsers && code && isModifier(heard.key) && !grabs_->isBound(heard.key))
+        (void)tellPress(heard.key, *code); // it has gone to the application already
+}
+
+std::optional<TapKey> TapLoop::takeGrabbed(const TapKey& heard) {
+    const auto isThere = [&] {
+        return !grabbedKeys_.empty() && grabbedKeys_.front().key == heard.key &&
+               grabbedKeys_.front().time == heard.time;
+    };
+    if (!isThere()) {
+        (void)connections_->grabs().sync(Deadline(serverDeadline));
+        read();
+    }
+    if (!isThere())
+        return std::nullopt;
+    const auto press = grabbedKeys_.front();
+    grabbedKeys_.pop_front();
+    return press;
+}
+
+void TapLoop::hearRelease(xcb_keycode_t key) {
+    if (shared_->keys[key] == KeyState::givenBack)
+        undoGift(key);
+    if (down_.contains(key))
+        tellRelease(key);
+}
+
+void TapLoop::undoGift(xcb_keycode_t key) {
+    connections_->post(false, key);
+    connections_->grabs().flush();
+    shared_->keys[key] = 0;
+}
+
+void TapLoop::decide(const TapKey& press) {
+    auto again = reposted_.find(press.key);
+    const bool isUsers = !connections_->isSynthetic(press) || again != reposted_.end();
+    if (again != reposted_.end() && --again->second == 0)
+        reposted_.erase(again);
+    const auto code = keys_.virtualOf(press.key);
+    if (isUsers && code && tellPress(press.key, *code) == TapAnswer::swallow) {
+        swallow(press);
+        return;
+    }
+    if (isUsers && isModifier(press.key) && !grabs_->isBound(press.key)) {
+        passModifier(press);
+        return;
+    }
+    connections_->replay();
+    connections_->grabs().flush();
+}
+
+void TapLoop::passModifier(const TapKey& press) {
+    // Replayed, it would arrive as if it had been held already when it was pressed.
+    grabs_->releaseModifier(press.key);
+    Untangler(*connections_, grabbedKeys_, markerKey(press.key)).run(press, [this](const auto& keys) {
+        announce(keys);
+    });
+    undoGiftsOfNow();
+}
+
+void TapLoop::swallow(const TapKey& press) {
+    if (grabs_->isBound(press.key))
+        grabs_->grabModifiers(modifierKeys(keys_));
+    swallowed_.insert(press.key);
+    shared_->keys[press.key] = 0; // in case it was posted in the user's stead
+    const bool needsCompany = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
+    const auto company = needsCompany ? map_->neutralKey() : std::nullopt;
+    connections_->step();
+    connections_->post(false, press.key);
+    if (company)
+        tapKey(*company);
+    if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
+        connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
+    connections_->grabs().flush();
+    // Mostly that release is all that comes, and it has ended the grab.
+    const auto first = connections_->nextGrabbed(grabbedKeys_);
+    if (!first || (!first->isPress && first->key == press.key))
+        return;
+    Untangler(*connections_, grabbedKeys_, markerKey(press.key))
+        .runAfterSwallowing(press.key, company, *first, [this](const auto& keys) { announce(keys); });
+    if (company)
+        tapKey(*company);
+    undoGiftsOfNow();
+}
+
+void TapLoop::tapKey(xcb_keycode_t key) {
+    // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
+    connections_->post(true, key);
+    connections_->post(false, key);
+}
+
+xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {
+    return map_ ? map_->neutralKey().value_or(otherwise) : otherwise;
+}
+
+void TapLoop::announce(const std::vector<TapKey>& keys) {
+    for (const auto& key : keys) {
+        shared_->keys[key.key] = key.isPress ? KeyState::givenBack : std::uint8_t{0};
+        if (key.isPress && grabs_->isGrabbed(key.key))
+            ++reposted_[key.key];
+    }
+}
+
+void TapLoop::undoGiftsOfNow() {
+    const auto held = userDownByNow();
+    for (unsigned key = 0; key < 256; ++key) // what came up while it was posted anew
+        if (shared_->keys[key] == KeyState::givenBack && !held[key])
+            undoGift(static_cast<xcb_keycode_t>(key));
+    connections_->grabs().flush();
+}
+
+KeySet TapLoop::userDownByNow() {
+    (void)connections_->raw().sync(Deadline(serverDeadline));
+    read();
+    auto held = userDown_;
+    for (const auto& key : heardKeys_)
+        if (!connections_->isSynthetic(key))
+            held[key.key] = key.isPress;
+    return held;
+}
+
+TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
+    down_[key] = code;
+    const bool isModifierCode = KeyCodes::flagOf(code) != 0;
+    return handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyDown, code, flags()});
+}
+
+void TapLoop::tellRelease(xcb_keycode_t key) {
+    const auto code = down_.extract(key).mapped();
+    swallowed_.erase(key);
+    if (std::ranges::none_of(swallowed_, [&](xcb_keycode_t other) { return grabs_->isBound(other); })) {
+        grabs_->releaseModifiers();
+        connections_->grabs().flush();
+    }
+    const bool isModifierCode = KeyCodes::flagOf(code) != 0;
+    (void)handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyUp, code, flags()});
+}
+
+void TapLoop::reconcile() {
+    const auto held = keysHeldByUser(connections_->grabs(), Deadline(serverDeadline));
+    if (!held)
+        return;
+    userDown_ = *held;
+    bool isOutOfStep = false;
+    const auto believed = down_;
+    for (const auto& [key, code] : believed) {
+        if (!userDown_[key]) {
+            tellRelease(key);
+            isOutOfStep = true;
+        }
+    }
+    const auto modifiers = modifierKeys(keys_);
+    for (unsigned code = 0; code < 256; ++code) {
+        const auto key = static_cast<xcb_keycode_t>(code);
+        if (userDown_[key] && modifiers[key] && !grabs_->isBound(key) && !down_.contains(key)) {
+            down_[key] = keys_.virtualOf(key).value();
+            isOutOfStep = true;
+        }
+    }
+    if (isOutOfStep)
+        (void)handler_({KeyEvent::flagsChanged, 0, flags()});
+}
+
+quint64 TapLoop::flags() const {
+    quint64 flags = 0;
+    for (const auto& [key, code] : down_)
+        flags |= KeyCodes::flagOf(code);
+    return flags;
+}
+
+bool TapLoop::isModifier(xcb_keycode_t key) const { return modifierKeys(keys_)[key]; }
+
+} // namespace velorin

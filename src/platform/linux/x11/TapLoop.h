@@ -1,0 +1,92 @@
+/// What the tap does with each key, on the tap's own thread.
+///
+/// Every key is heard; only grabbed presses wait for an answer. What is heard gives the order: a grabbed
+/// press is looked at when the same key (by code and time) is heard, so that it stands rightly among the
+/// modifiers and releases around it. A press counts only when it comes through a grab: the hold key pressed
+/// at a locked screen, or within somebody's menu, is none of ours. Releases and the other modifiers are
+/// taken from what is heard.
+///
+/// A press that is swallowed is answered and, in the same write, released by a synthetic key. The server
+/// then holds it for up: other keys go straight through, nothing repeats, and the release that the user
+/// makes later reaches nobody but us. What the user pressed between a press and its answer comes to us
+/// behind it, one key at a time, and is posted anew before anything else gets through.
+#pragma once
+
+#include "platform/EventTap.h"
+#include "platform/linux/x11/TapGrabs.h"
+#include "platform/linux/x11/WakeUp.h"
+
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace velorin {
+
+/// What the main thread wants of the tap. The mutex guards all but the wake-up.
+struct TapOrders {
+    std::mutex mutex;
+    std::vector<TappedKey> keys;
+    std::string standIn = "rightControl";
+    bool isStopping = false;
+    WakeUp wakeUp;
+};
+
+class TapLoop final {
+public:
+    TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
+            EventTap::Handler handler);
+    ~TapLoop();
+    TapLoop(const TapLoop&) = delete;
+    TapLoop& operator=(const TapLoop&) = delete;
+
+    /// Until it is stopped: true. False when the server is gone for good. A connection that somebody else
+    /// ended, like the guard while the process was stopped, is made anew.
+    [[nodiscard]] bool run();
+
+private:
+    [[nodiscard]] bool obey();
+    void setUp();
+    void regrab();
+    void wait() const;
+    [[nodiscard]] bool comeBack();
+
+    void process();
+    void read();
+    void hear(const TapKey& heard);
+    void hearRelease(xcb_keycode_t key);
+    void undoGift(xcb_keycode_t key);
+    [[nodiscard]] KeySet userDownByNow();
+    [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
+    void decide(const TapKey& press);
+    void passModifier(const TapKey& press);
+    void swallow(const TapKey& press);
+    void tapKey(xcb_keycode_t key);
+    [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
+    void announce(const std::vector<TapKey>& keys);
+    void undoGiftsOfNow();
+
+    [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
+    void tellRelease(xcb_keycode_t key);
+    void reconcile();
+    [[nodiscard]] quint64 flags() const;
+    [[nodiscard]] bool isModifier(xcb_keycode_t key) const;
+
+    std::unique_ptr<TapConnections> connections_;
+    SharedKeyState& shared_;
+    TapOrders& orders_;
+    EventTap::Handler handler_;
+    std::unique_ptr<TapGrabs> grabs_;
+    std::optional<KeyboardMap> map_;
+    TapKeys keys_{"rightControl"};
+    std::vector<TappedKey> tappedKeys_;
+
+    std::deque<TapKey> grabbedKeys_;
+    std::deque<TapKey> heardKeys_;
+    std::map<xcb_keycode_t, int> reposted_; ///< Presses of the user's that are on their way a second time.
+
+    KeySet userDown_;                             ///< On the keyboards that people press.
+    std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
+    std::set<xcb_keycode_t> swallowed_;           ///< Of these, what no application knows of.
+};
+
+} // namespace velorin

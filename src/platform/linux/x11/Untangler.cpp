@@ -1,0 +1,92 @@
+#include "platform/linux/x11/Untangler.h"
+
+namespace velorin {
+
+void Untangler::run(const TapKey& waiting, const Announce& announce) {
+    if (!connections_.hold()) {
+        connections_.replay();
+        connections_.grabs().flush();
+        return;
+    }
+    done_ = caught_ = {waiting};
+    repeat(announce);
+}
+
+void Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company,
+                                   const TapKey& first, const Announce& announce) {
+    if (!connections_.hold()) {
+        connections_.letGo();
+        connections_.grabs().flush();
+        return;
+    }
+    int expected = company ? 3 : 1; // what was posted behind the press, all of it at once
+    for (std::optional<TapKey> key = first; key; key = step()) {
+        const bool isSwallowed = key->key == swallowed && !key->isPress;
+        const bool isCompany = connections_.isSynthetic(*key) && key->key == company;
+        if (!isSwallowed && !isCompany) {
+            done_.push_back(*key);
+            caught_.push_back(*key);
+        } else if (--expected == 0) {
+            break;
+        }
+    }
+    repeat(announce);
+}
+
+void Untangler::repeat(const Announce& announce) {
+    takeAll(true);
+    while (!connections_.isBroken() && !tryToRepeat(announce))
+        takeAll(false);
+}
+
+std::optional<TapKey> Untangler::step() {
+    connections_.step();
+    return connections_.nextGrabbed(grabbedKeys_);
+}
+
+bool Untangler::isMarker(const TapKey& key) const {
+    return key.key == marker_ && connections_.isSynthetic(key);
+}
+
+void Untangler::postMarker() {
+    connections_.post(true, marker_);
+    connections_.post(false, marker_);
+}
+
+void Untangler::takeAll(bool isFirst) {
+    // Synthetic keys that are found at first are what was put in again a moment ago; later, what we undid.
+    postMarker();
+    for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
+        if (isMarker(*key))
+            continue;
+        done_.push_back(*key);
+        if (isFirst || !connections_.isSynthetic(*key))
+            caught_.push_back(*key);
+    }
+}
+
+bool Untangler::tryToRepeat(const Announce& announce) {
+    for (auto key = done_.rbegin(); key != done_.rend(); ++key)
+        connections_.post(!key->isPress, key->key);
+    postMarker();
+    for (const auto& key : caught_)
+        connections_.post(key.isPress, key.key);
+    bool isQuiet = true;
+    for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
+        if (isMarker(*key))
+            continue;
+        done_.push_back(*key);
+        if (!connections_.isSynthetic(*key)) {
+            caught_.push_back(*key);
+            isQuiet = false;
+        }
+    }
+    if (isQuiet) {
+        announce(caught_);
+        connections_.letGo();
+        connections_.grabs().flush();
+    }
+    return isQuiet;
+}
+
+} // namespace velorin

@@ -1,0 +1,50 @@
+/// Takes out of the server's queue what was pressed behind a key that waits for its answer, and puts it in
+/// again as if that key had never been: nothing lost, nothing twice, nothing in another order, and no
+/// modifier of the swallowed key upon it.
+///
+/// While the keyboard is held, keys come to us one at a time, and whatever we post queues up behind what the
+/// user does. So: everything that waits is taken, up to a marker of ours. Then it is undone, key by key from
+/// the last one, a marker, and done once more. When the marker comes round and the user did nothing
+/// meanwhile, the keyboard is let go of right there: what we post the second time goes its usual way. If
+/// the user did something, that is taken in and it begins again.
+#pragma once
+
+#include "platform/linux/x11/TapConnections.h"
+
+#include <functional>
+
+namespace velorin {
+
+class Untangler final {
+public:
+    /// Called with the keys just before they go their way.
+    using Announce = std::function<void(const std::vector<TapKey>&)>;
+
+    /// The marker is a key that is up and means nothing.
+    Untangler(TapConnections& connections, std::deque<TapKey>& grabbedKeys, xcb_keycode_t marker)
+        : connections_(connections), grabbedKeys_(grabbedKeys), marker_(marker) {}
+
+    /// For a press that waits and is to arrive as a press of its own.
+    void run(const TapKey& waiting, const Announce& announce);
+
+    /// For what came in place of the release of the swallowed key: that release, and a tap of `company` if
+    /// there is one, are in the queue already and are dropped.
+    void runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company,
+                            const TapKey& first, const Announce& announce);
+
+private:
+    [[nodiscard]] std::optional<TapKey> step();
+    [[nodiscard]] bool isMarker(const TapKey& key) const;
+    void postMarker();
+    void takeAll(bool isFirst);
+    [[nodiscard]] bool tryToRepeat(const Announce& announce);
+    void repeat(const Announce& announce);
+
+    TapConnections& connections_;
+    std::deque<TapKey>& grabbedKeys_;
+    xcb_keycode_t marker_;
+    std::vector<TapKey> done_;   ///< All that happened to the keyboard since it waits, ours as well.
+    std::vector<TapKey> caught_; ///< Of that, what is to be repeated.
+};
+
+} // namespace velorin

@@ -1,0 +1,55 @@
+#include "platform/linux/x11/X11EventTap.h"
+
+#include "platform/linux/x11/ThreadSetup.h"
+#include "platform/linux/x11/X11Session.h"
+
+namespace velorin {
+
+X11EventTap::~X11EventTap() { stop(); }
+
+tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::function<void()> onLost) {
+    if (isWaylandSession())
+        return tl::unexpected(EventTapError::unsupportedSession);
+    auto connections = TapConnections::open();
+    if (!connections)
+        return tl::unexpected(EventTapError::notPermitted);
+    stop();
+    orders_.isStopping = false;
+    thread_ = std::thread([this, connections = std::move(connections), handler = std::move(handler),
+                           onLost = std::move(onLost)]() mutable {
+        setUpThread("velorin-tap");
+        TapLoop loop(std::move(connections), shared_, orders_, std::move(handler));
+        if (!loop.run() && onLost)
+            onLost();
+    });
+    return {};
+}
+
+void X11EventTap::stop() {
+    if (!thread_.joinable())
+        return;
+    {
+        const std::scoped_lock lock(orders_.mutex);
+        orders_.isStopping = true;
+    }
+    orders_.wakeUp.wake();
+    thread_.join();
+}
+
+void X11EventTap::setTappedKeys(std::vector<TappedKey> keys) {
+    {
+        const std::scoped_lock lock(orders_.mutex);
+        orders_.keys = std::move(keys);
+    }
+    orders_.wakeUp.wake();
+}
+
+void X11EventTap::setFnStandIn(const QString& name) {
+    {
+        const std::scoped_lock lock(orders_.mutex);
+        orders_.standIn = name.toStdString();
+    }
+    orders_.wakeUp.wake();
+}
+
+} // namespace velorin

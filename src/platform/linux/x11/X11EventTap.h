@@ -1,0 +1,36 @@
+/// The event tap of an X session: a thread of its own, `velorin-tap`, with two connections to the server.
+///
+/// Few PC keyboards have an Fn key that programs can see, so another key stands in for it; which one is the
+/// user's choice (`setFnStandIn`, by default the right Ctrl key).
+#pragma once
+
+#include "platform/EventTap.h"
+#include "platform/linux/x11/SharedKeyState.h"
+#include "platform/linux/x11/TapLoop.h"
+
+#include <thread>
+
+namespace velorin {
+
+class X11EventTap final : public EventTap {
+public:
+    /// The state is shared with those who post keys; it outlives the tap.
+    explicit X11EventTap(SharedKeyState& shared) : shared_(shared) {}
+    ~X11EventTap() override;
+
+    [[nodiscard]] tl::expected<void, EventTapError> start(Handler handler,
+                                                          std::function<void()> onLost) override;
+    void stop() override;
+    void setTappedKeys(std::vector<TappedKey> keys) override;
+
+    /// "fn", "menu", "rightControl", "rightAlt", "capsLock", "scrollLock" or "pause"; anything else is
+    /// "rightControl". Takes effect at once. Main thread.
+    void setFnStandIn(const QString& name);
+
+private:
+    SharedKeyState& shared_;
+    TapOrders orders_;
+    std::thread thread_;
+};
+
+} // namespace velorin

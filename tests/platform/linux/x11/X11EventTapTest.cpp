@@ -1,0 +1,413 @@
+#include "platform/linux/x11/X11EventTap.h"
+
+#include "platform/linux/x11/X11Session.h"
+#include "platform/linux/x11/XTestSyntheticKeyboard.h"
+#include "tests/platform/linux/x11/support/Handled.h"
+#include "tests/platform/linux/x11/support/PhysicalKeyboard.h"
+#include "tests/platform/linux/x11/support/PrivateServer.h"
+#include "tests/platform/linux/x11/support/TestWindow.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/xinput.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace velorin {
+namespace {
+
+// X key codes.
+constexpr int leftControl = 37;
+constexpr int rightControl = 105;
+constexpr int leftSuper = 133;
+constexpr int leftShift = 50;
+constexpr int capsLock = 66;
+constexpr int numLock = 77;
+constexpr int f5 = 71;
+constexpr int letterA = 38;
+constexpr int letterB = 56;
+
+constexpr quint64 command = 0x100000;
+constexpr quint64 shift = 0x20000;
+constexpr quint64 function = 0x800000;
+
+/// The hold key with whatever is held besides.
+TappedKey fnAnyhow() {
+    TappedKey key{KeyCodes::function, {}};
+    for (quint64 set = 0; set < 16; ++set)
+        key.modifierFlags.push_back((set & 1 ? command : 0) | (set & 2 ? shift : 0) |
+                                    (set & 4 ? 0x40000 : 0) | (set & 8 ? 0x80000 : 0));
+    return key;
+}
+
+class X11EventTapTest : public testing::Test {
+protected:
+    X11EventTapTest() {
+        window.focus();
+        handled.answer = [](const KeyEvent&) { return TapAnswer::swallow; };
+    }
+
+    void start(std::vector<TappedKey> keys) {
+        tap.setTappedKeys(std::move(keys));
+        ASSERT_TRUE(tap.start(handled.handler(), [this] { isLost = true; }));
+        awaitGrabs();
+    }
+
+    /// The tap has done what it was told when its grabs are published.
+    void awaitGrabs(int key = 0) {
+        const Deadline deadline(5s);
+        const auto isThere = [&] {
+            if (key == 0)
+                return state->isWatched == 1 && state->tapResource != 0;
+            return (state->grabbed[static_cast<unsigned>(key) / 32] >> (key % 32) & 1) != 0;
+        };
+        while (!isThere() && !deadline.hasPassed())
+            std::this_thread::yield();
+        ASSERT_TRUE(isThere());
+        window.connection().sync(deadline);
+    }
+
+    KeySet down() { return keysDown(user.connection(), Deadline(5s)).value(); }
+
+    PrivateServer server;
+    SharedKeyState state;
+    Handled handled;
+    std::atomic<bool> isLost = false;
+    X11EventTap tap{state};
+    PhysicalKeyboard user;
+    TestWindow window;
+};
+
+TEST_F(X11EventTapTest, SwallowsTheHoldKeyAndLetsOtherKeysThroughClean) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    (void)handled.text(1);
+    user.tap(letterA);
+    EXPECT_EQ(toString(window.keys(2)), "38+ 38-");
+    user.release(rightControl);
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0");
+    user.tap(letterB);
+    EXPECT_EQ(toString(window.keys(2)), "56+ 56-");
+    EXPECT_TRUE(down().none());
+}
+
+TEST_F(X11EventTapTest, KeepsKeysThatAreTypedWhileItIsStillThinking) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    handled.answer = [&](const KeyEvent& event) {
+        if (event.keyCode != KeyCodes::function)
+            return TapAnswer::pass;
+        if (event.flags != 0) { // the press: the user goes on typing meanwhile
+            user.press(leftShift);
+            user.tap(letterA);
+            user.release(leftShift);
+            user.press(letterB);
+            user.sync();
+        }
+        return TapAnswer::swallow;
+    };
+    user.press(rightControl);
+    EXPECT_EQ(toString(window.keys(5)), "50+ 38+/1 38-/1 50-/1 56+");
+    user.release(letterB);
+    user.release(rightControl);
+    EXPECT_EQ(toString(window.keys(1)), "56-");
+    EXPECT_THAT(handled.text(4), testing::EndsWith("f63/0"));
+    EXPECT_TRUE(down().none());
+    user.tap(letterB);
+    EXPECT_EQ(toString(window.keys(2)), "56+ 56-") << "our device does not hold it";
+}
+
+TEST_F(X11EventTapTest, PassesWhatTheHandlerPasses) {
+    start({{96, {command}}});
+    awaitGrabs(f5);
+    handled.answer = [](const KeyEvent&) { return TapAnswer::pass; };
+    user.press(leftSuper);
+    user.tap(f5);
+    user.release(leftSuper);
+    EXPECT_EQ(toString(window.keys(4)), "133+ 71+/64 71-/64 133-/64");
+    EXPECT_EQ(handled.text(4), "f55/100000 d96 u96 f55/0");
+}
+
+TEST_F(X11EventTapTest, GrabsExactCombinationsWithEitherLock) {
+    start({{96, {command}}});
+    awaitGrabs(f5);
+    user.tap(f5);
+    user.press(leftShift);
+    user.tap(f5);
+    user.press(leftSuper);
+    user.tap(f5);
+    user.release(leftSuper);
+    user.release(leftShift);
+    EXPECT_EQ(toString(window.keys(10)), "71+ 71- 50+ 71+/1 71-/1 133+/1 71+/65 71-/65 133-/65 50-/1");
+    EXPECT_THAT(handled.text(4), testing::Not(testing::HasSubstr("96")));
+    for (const auto& locks : {std::vector{capsLock}, {numLock}, {capsLock, numLock}}) {
+        handled.clear();
+        for (const int lock : locks)
+            user.tap(lock);
+        user.press(leftSuper);
+        user.tap(f5);
+        user.release(leftSuper);
+        EXPECT_EQ(handled.text(4), "f55/100000 d96 u96 f55/0");
+        for (const int lock : locks)
+            user.tap(lock);
+        for (const auto& key : window.keys(locks.size() * 4 + 2))
+            EXPECT_NE(key.key, f5);
+    }
+}
+
+TEST_F(X11EventTapTest, HidesOtherModifiersWhileABoundKeyIsDown) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    awaitGrabs(leftSuper);
+    user.press(leftSuper);
+    (void)handled.text(2);
+    user.tap(letterA);
+    user.release(leftSuper);
+    user.release(rightControl);
+    EXPECT_EQ(handled.text(4), "f63/800000 f55/900000 f55/800000 f63/0");
+    EXPECT_EQ(toString(window.keys(2)), "38+ 38-");
+    user.tap(leftSuper);
+    EXPECT_EQ(toString(window.keys(2)), "133+ 133-/64") << "no longer hidden";
+}
+
+TEST_F(X11EventTapTest, ShowsTheDesktopAnotherKeyWhenSuperWasHeld) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(leftSuper);
+    user.press(rightControl);
+    EXPECT_EQ(handled.text(2), "f55/100000 f63/900000");
+    user.release(rightControl);
+    user.release(leftSuper);
+    const auto keys = window.keys(4);
+    ASSERT_EQ(keys.size(), 4u);
+    EXPECT_EQ(keys[0].key, leftSuper);
+    EXPECT_EQ(keys[3].key, leftSuper);
+    EXPECT_EQ(keys[1].key, keys[2].key);
+    const auto map = KeyboardMap::read(user.connection(), Deadline(5s));
+    EXPECT_EQ(keys[1].key, map->neutralKey());
+}
+
+TEST_F(X11EventTapTest, DoesNotCountAPressThatWentToSomebodyElsesGrab) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    auto* c = window.connection().get();
+    const auto grab = window.connection().reply<xcb_grab_keyboard_reply_t>(
+        xcb_grab_keyboard(c, 0, window.id(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC), Deadline(5s));
+    ASSERT_EQ(grab->status, XCB_GRAB_STATUS_SUCCESS);
+    user.tap(rightControl);
+    EXPECT_EQ(toString(window.keys(2)), "105+ 105-/4");
+    xcb_ungrab_keyboard(c, 0);
+    window.connection().sync(Deadline(5s));
+    user.tap(rightControl);
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0") << "only the second one";
+}
+
+TEST_F(X11EventTapTest, HearsTheReleaseWhoeverGotTheKeyboardMeanwhile) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    (void)handled.text(1);
+    auto* c = window.connection().get();
+    (void)window.connection().reply<xcb_grab_keyboard_reply_t>(
+        xcb_grab_keyboard(c, 0, window.id(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC), Deadline(5s));
+    user.release(rightControl);
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0");
+    EXPECT_THAT(window.keys(), testing::IsEmpty());
+}
+
+TEST_F(X11EventTapTest, LeavesOurOwnChordsAlone) {
+    start({fnAnyhow(), {9, {0x40000}}}); // control and V are bound as well
+    awaitGrabs(55);
+    XTestSyntheticKeyboard keyboard(state);
+    EXPECT_TRUE(keyboard.chord(Chord::paste, std::nullopt));
+    EXPECT_EQ(toString(window.keys(4)), "37+ 55+/4 55-/4 37-/4");
+    EXPECT_EQ(handled.text(), "");
+}
+
+TEST_F(X11EventTapTest, ReleasesWhatWasGivenBackWhenTheUserLetsGo) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(leftControl);
+    (void)handled.text(1);
+    XTestSyntheticKeyboard keyboard(state);
+    EXPECT_TRUE(keyboard.chord(Chord::paste, std::nullopt));
+    EXPECT_EQ(toString(window.keys(7)), "37+ 37-/4 37+ 55+/4 55-/4 37-/4 37+");
+    user.release(leftControl);
+    EXPECT_EQ(toString(window.keys(1)), "37-/4");
+    (void)handled.text(2);
+    const Deadline deadline(5s);
+    while (state->keys[leftControl] != 0 && !deadline.hasPassed())
+        std::this_thread::yield();
+    EXPECT_TRUE(keyboard.chord(Chord::paste, std::nullopt));
+    EXPECT_EQ(toString(window.keys(4)), "37+ 55+/4 55-/4 37-/4") << "a chord, and no plain v";
+}
+
+TEST_F(X11EventTapTest, ChangesItsKeysWhileItRuns) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    tap.setTappedKeys({{96, {0}}});
+    awaitGrabs(f5);
+    user.tap(rightControl);
+    EXPECT_EQ(toString(window.keys(2)), "105+ 105-/4");
+    user.tap(f5);
+    EXPECT_EQ(handled.text(4), "f63/800000 f63/0 d96 u96") << "a modifier that is free still counts as one";
+    EXPECT_THAT(window.keys(), testing::IsEmpty());
+}
+
+TEST_F(X11EventTapTest, LetsAnotherKeyStandInForFn) {
+    tap.setFnStandIn(u"capsLock"_s);
+    start({fnAnyhow()});
+    awaitGrabs(capsLock);
+    user.tap(capsLock);
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0");
+    user.tap(letterA);
+    EXPECT_EQ(toString(window.keys(2)), "38+ 38-") << "the lock is put back";
+    tap.setFnStandIn(u"menu"_s);
+    awaitGrabs(135);
+    user.tap(135);
+    EXPECT_THAT(handled.text(4), testing::EndsWith("f63/800000 f63/0"));
+}
+
+TEST_F(X11EventTapTest, LeavesTheKeyboardFreeWhenItStops) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    (void)handled.text(1);
+    tap.stop();
+    user.release(rightControl);
+    user.tap(rightControl);
+    EXPECT_EQ(toString(window.keys(2)), "105+ 105-/4");
+    EXPECT_TRUE(down().none());
+}
+
+TEST_F(X11EventTapTest, ComesBackWhenItsConnectionWasEnded) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    user.press(leftShift);
+    (void)handled.text(2);
+    const auto resource = state->tapResource.load();
+    xcb_kill_client(user.connection().get(), resource);
+    user.release(rightControl);
+    EXPECT_THAT(handled.text(3), testing::HasSubstr("f63/20000")) << "the hold ends";
+    const Deadline deadline(5s);
+    while (state->tapResource == resource && !deadline.hasPassed())
+        std::this_thread::yield();
+    awaitGrabs(rightControl);
+    handled.clear();
+    user.release(leftShift);
+    user.press(rightControl);
+    EXPECT_EQ(handled.text(2), "f56/0 f63/800000");
+    user.release(rightControl);
+    EXPECT_FALSE(isLost);
+}
+
+TEST_F(X11EventTapTest, TellsWhenTheServerIsGone) {
+    start({fnAnyhow()});
+    server.kill();
+    const Deadline deadline(10s);
+    while (!isLost && !deadline.hasPassed())
+        std::this_thread::yield();
+    EXPECT_TRUE(isLost);
+    tap.stop();
+}
+
+TEST_F(X11EventTapTest, KeepsItsGrabsThroughAChangeOfLayout) {
+    start({fnAnyhow(), {96, {command}}});
+    awaitGrabs(f5);
+    user.press(rightControl);
+    (void)handled.text(1);
+    server.start({"setxkbmap", "-layout", "us,ru", "-option", "grp:alt_shift_toggle"}).wait();
+    user.release(rightControl);
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0");
+    user.press(leftSuper);
+    user.tap(f5);
+    user.release(leftSuper);
+    EXPECT_THAT(handled.text(6), testing::EndsWith("f55/100000 d96 u96 f55/0"));
+}
+
+TEST(X11EventTap, NeedsAServer) {
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("XDG_SESSION_TYPE");
+    SharedKeyState state;
+    X11EventTap tap(state);
+    Handled handled;
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+}
+
+TEST(X11EventTap, NeedsTheExtensions) {
+    PrivateServer server({"-extension", "XTEST"});
+    SharedKeyState state;
+    X11EventTap tap(state);
+    Handled handled;
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+}
+
+TEST(X11EventTap, DoesNotServeAWaylandSession) {
+    PrivateServer server;
+    SharedKeyState state;
+    X11EventTap tap(state);
+    Handled handled;
+    EXPECT_TRUE(X11Session().letsUsWatchAndPostKeys());
+    setenv("XDG_SESSION_TYPE", "wayland", 1);
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+    unsetenv("XDG_SESSION_TYPE");
+    setenv("WAYLAND_DISPLAY", "wayland-0", 1);
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    unsetenv("WAYLAND_DISPLAY");
+}
+
+TEST(X11EventTap, LeavesTheKeyboardFreeWhenItsProcessIsKilledWhileAPressWaits) {
+    PrivateServer server;
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const auto child = fork();
+    if (child == 0) {
+        SharedKeyState state;
+        X11EventTap tap(state);
+        tap.setTappedKeys({fnAnyhow()});
+        const auto started = tap.start(
+            [&](const KeyEvent&) {
+                (void)write(ends[1], "p", 1);
+                for (;;) // never answers
+                    pause();
+                return TapAnswer::pass;
+            },
+            nullptr);
+        while (started && (state->grabbed[rightControl / 32] >> (rightControl % 32) & 1) == 0)
+            std::this_thread::yield();
+        (void)write(ends[1], "g", 1);
+        for (;;)
+            pause();
+    }
+    PhysicalKeyboard user;
+    TestWindow window;
+    window.focus();
+    char mark = 0;
+    ASSERT_EQ(read(ends[0], &mark, 1), 1);
+    window.connection().sync(Deadline(5s));
+    user.press(rightControl);
+    ASSERT_EQ(read(ends[0], &mark, 1), 1);
+    ASSERT_EQ(mark, 'p');
+    user.tap(letterA);
+    user.sync();
+    EXPECT_THAT(window.keys(), testing::IsEmpty()) << "all keys wait for the answer";
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    EXPECT_EQ(window.keys(2).size(), 2u) << "what was typed meanwhile arrives";
+    user.release(rightControl);
+    user.sync();
+    EXPECT_TRUE(keysDown(user.connection(), Deadline(5s))->none());
+}
+
+} // namespace
+} // namespace velorin
