@@ -107,21 +107,11 @@ def _remove_abandoned_folders() -> None:
 
 def remove(folder: str) -> None:
     """Also what a test has closed to itself."""
-    def open_and_try_again(remove_it, path, _error):
-        for part in (os.path.dirname(path), path):
-            try:
-                os.chmod(part, 0o700, follow_symlinks=False) if not os.path.islink(part) else None
-            except OSError:
-                pass
-        try:
-            if remove_it is os.open or remove_it is os.scandir:
-                shutil.rmtree(path, ignore_errors=True)
-            else:
-                remove_it(path)
-        except OSError:
-            pass
-
-    shutil.rmtree(folder, onerror=open_and_try_again)
+    for path, folders, _files in os.walk(folder):
+        for each in folders:
+            if not os.path.islink(f"{path}/{each}"):
+                os.chmod(f"{path}/{each}", 0o700)  # before the walk goes into it
+    shutil.rmtree(folder, ignore_errors=True)
 
 
 class Home:

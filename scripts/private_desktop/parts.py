@@ -6,6 +6,7 @@ import socket
 import subprocess
 import sys
 import time
+from collections.abc import Callable
 
 from .home import Home
 
@@ -53,7 +54,7 @@ class _Desktop:
         self._begin = time.monotonic()
         self._deadline = self._begin + START_SECONDS
         self._processes: dict[str, subprocess.Popen] = {}
-        self._awaited: dict[str, callable] = {}
+        self._awaited: dict[str, Callable[[], bool]] = {}
 
     # Starting and waiting
 

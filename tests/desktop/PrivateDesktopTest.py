@@ -103,6 +103,13 @@ class PrivateDesktop(unittest.TestCase):
             self.assertEqual(128 + number, process.wait(SECONDS))
             self.assert_nothing_left(folder, display)
 
+    def test_removes_folders_that_were_closed(self):
+        script = ("mkdir -p $HOME/a/b && touch $HOME/a/b/c && ln -s /usr $HOME/a/b/link && "
+                  "chmod 0 $HOME/a/b $HOME/a && chmod 500 $HOME && dirname $HOME")
+        done = self.run_command("sh", "-c", script, VELORIN_DESKTOP_WITHOUT="tray")
+        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        self.assertFalse(os.path.exists(done.stdout.strip()))
+
     def test_leaves_nothing_after_ctrl_c(self):
         process, folder, display, _, _ = self.start()
         os.killpg(process.pid, signal.SIGINT)

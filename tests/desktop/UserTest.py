@@ -117,7 +117,7 @@ class Voice(unittest.TestCase):
             microphone = Microphone()
             slowest = max(slowest, microphone.read() - microphone.started)
             microphone.close()
-        print(f"first sample of an idle microphone after {1000 * slowest:.0f} ms at most, start of the program included")
+        print(f"first sample of an idle microphone after at most {1000 * slowest:.0f} ms, start of parec included")
         self.assertLess(slowest, 0.1)
 
 
