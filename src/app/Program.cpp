@@ -60,7 +60,7 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     QApplication::setApplicationDisplayName(u"Velorin"_s);
     QApplication::setDesktopFileName(u"dev.orrin.velorin"_s);
     QApplication::setQuitOnLastWindowClosed(false);
-    const TerminationSignals signals;
+    const TerminationSignals terminationSignals;
 
     SingleInstance instance([] { tell(QCoreApplication::translate("Program", "was started again; one is enough.")); });
     if (instance.claim() == SingleInstance::Claim::another) {

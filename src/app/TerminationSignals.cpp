@@ -2,35 +2,59 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
 
-#include <sys/signalfd.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace velorin {
+namespace {
 
-TerminationSignals::TerminationSignals() {
-    // Blocked before any thread is made, so that every thread inherits it and the descriptor gets them.
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        sigaddset(&signals, signal);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    descriptor_ = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+constexpr int handled[] = {SIGTERM, SIGINT, SIGHUP};
+
+// All that a signal handler may reach.
+std::atomic<int> wakeUp = -1;
+
+void onSignal(int) {
+    const int kept = errno;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(wakeUp, &one, sizeof one);
+    errno = kept;
+}
+
+void setHandler(void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : handled)
+        sigaction(signal, &action, nullptr);
+}
+
+} // namespace
+
+// Handlers, not a blocked mask: programs that we start would inherit that and could not be ended.
+TerminationSignals::TerminationSignals() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (descriptor_ < 0)
         return;
+    wakeUp = descriptor_;
     notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, qApp, [this] {
-        signalfd_siginfo info{};
-        if (read(descriptor_, &info, sizeof info) == sizeof info)
-            QCoreApplication::quit();
+        notifier_->setEnabled(false);
+        QCoreApplication::quit();
     });
+    setHandler(&onSignal);
 }
 
 TerminationSignals::~TerminationSignals() {
+    if (descriptor_ < 0)
+        return;
+    setHandler(SIG_DFL);
     notifier_.reset();
-    if (descriptor_ >= 0)
-        close(descriptor_);
+    wakeUp = -1;
+    close(descriptor_);
 }
 
 } // namespace velorin
