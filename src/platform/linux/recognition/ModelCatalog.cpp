@@ -9,7 +9,21 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+struct Listed {
+    QString name;
+    qint64 about;
+};
+
+/// Files that lie side by side and whose publisher gives no digests.
+std::vector<ModelFile> from(const QString& address, const std::vector<Listed>& listed) {
+    std::vector<ModelFile> files;
+    for (const Listed& file : listed)
+        files.push_back({file.name, address + file.name, file.about, {}});
+    return files;
+}
+
 const std::vector<Model>& table() {
+    static const QString moonshine = u"https://download.moonshine.ai/model/tiny-en/quantized/tiny-en/"_s;
     static const std::vector<Model> rows{
         {.id = u"moonshine-tiny-en"_s,
          .languages = {u"en"_s},
@@ -30,6 +44,37 @@ const std::vector<Model>& table() {
          .memoryMegabytes = 145,
          .remark = u"English, small and quick"_s,
          .comesWithProgram = true},
+        {.id = u"parakeet-tdt-0.6b-v3"_s,
+         .languages = {u"es"_s, u"fr"_s, u"de"_s, u"en"_s},
+         .family = ModelFamily::transducer,
+         .files = from(
+             u"https://huggingface.co/csukuangfj/sherpa-onnx-nemo-parakeet-tdt-0.6b-v3-int8/resolve/main/"_s,
+             {{u"encoder.int8.onnx"_s, 652'000'000},
+              {u"decoder.int8.onnx"_s, 11'800'000},
+              {u"joiner.int8.onnx"_s, 6'360'000},
+              {u"tokens.txt"_s, 93'900}}),
+         .licence = u"CC-BY-4.0"_s,
+         .memoryMegabytes = 1000,
+         .remark = u"Spanish, French, German and English, large and accurate"_s},
+        {.id = u"sense-voice-2024-07-17"_s,
+         .languages = {u"ja"_s, u"zh"_s},
+         .family = ModelFamily::senseVoice,
+         .files = from(
+             u"https://huggingface.co/csukuangfj/sherpa-onnx-sense-voice-zh-en-ja-ko-yue-2024-07-17/resolve/main/"_s,
+             {{u"model.int8.onnx"_s, 239'000'000}, {u"tokens.txt"_s, 316'000}}),
+         .licence = u"FunASR Model License"_s,
+         .memoryMegabytes = 400,
+         .remark = u"Japanese and Chinese"_s},
+        {.id = u"whisper-small"_s,
+         .languages = {u"hi"_s},
+         .family = ModelFamily::whisper,
+         .files = from(u"https://huggingface.co/csukuangfj/sherpa-onnx-whisper-small/resolve/main/"_s,
+                       {{u"small-encoder.int8.onnx"_s, 112'000'000},
+                        {u"small-decoder.int8.onnx"_s, 262'000'000},
+                        {u"small-tokens.txt"_s, 817'000}}),
+         .licence = u"MIT"_s,
+         .memoryMegabytes = 700,
+         .remark = u"Hindi"_s},
         {.id = u"silero-vad"_s,
          .languages = {},
          .family = ModelFamily::voiceActivity,
@@ -45,8 +90,6 @@ const std::vector<Model>& table() {
     return rows;
 }
 
-QString languageOf(const QString& localeIdentifier) { return localeIdentifier.section(u'-', 0, 0); }
-
 } // namespace
 
 qint64 Model::size() const {
@@ -54,13 +97,29 @@ qint64 Model::size() const {
                            [](qint64 sum, const ModelFile& file) { return sum + file.size; });
 }
 
+bool Model::canBeDownloaded() const {
+    return std::none_of(files.begin(), files.end(),
+                        [](const ModelFile& file) { return file.address.isEmpty(); });
+}
+
 std::span<const Model> ModelCatalog::models() { return table(); }
 
+std::vector<const Model*> ModelCatalog::modelsFor(const QString& localeIdentifier) {
+    std::vector<const Model*> serving;
+    for (const Model& model : table()) {
+        if (model.languages.contains(languageOf(localeIdentifier)))
+            serving.push_back(&model);
+    }
+    return serving;
+}
+
 const Model* ModelCatalog::modelFor(const QString& localeIdentifier) {
-    const auto found = std::find_if(table().begin(), table().end(), [&](const Model& model) {
-        return model.languages.contains(languageOf(localeIdentifier));
-    });
-    return found == table().end() ? nullptr : &*found;
+    const auto serving = modelsFor(localeIdentifier);
+    return serving.empty() ? nullptr : serving.front();
+}
+
+QString ModelCatalog::languageOf(const QString& localeIdentifier) {
+    return localeIdentifier.section(u'-', 0, 0);
 }
 
 const Model& ModelCatalog::voiceActivity() {

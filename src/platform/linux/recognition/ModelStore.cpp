@@ -6,6 +6,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -32,10 +33,29 @@ std::optional<QByteArray> identity(const QString& path) {
            QByteArray::number(nanoseconds(status.st_ctim));
 }
 
-bool hasDigest(const QString& path, const QByteArray& digest) {
-    QFile file(path);
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    return file.open(QIODevice::ReadOnly) && hash.addData(&file) && hash.result().toHex() == digest;
+constexpr auto digestsName = u"digests";
+
+/// The files of the model, those without a digest in the table with what was recorded when they came.
+std::vector<ModelFile> filesOf(const Model& model, const QString& folder) {
+    std::vector<ModelFile> files = model.files;
+    QFile recorded(folder + u'/' + digestsName);
+    if (!recorded.open(QIODevice::ReadOnly))
+        return files;
+    while (!recorded.atEnd()) {
+        const QList<QByteArray> columns = recorded.readLine().trimmed().split(' ');
+        for (ModelFile& file : files) {
+            if (columns.size() == 3 && file.digest.isEmpty() && file.name.toUtf8() == columns[2]) {
+                file.digest = columns[0];
+                file.size = columns[1].toLongLong();
+            }
+        }
+    }
+    return files;
+}
+
+QByteArray keyOf(const QByteArray& which, const ModelFile& file) {
+    QByteArray key = which;
+    return key.append(' ').append(file.digest);
 }
 
 } // namespace
@@ -58,42 +78,78 @@ QStringList ModelStore::foldersOf(const Model& model) const {
 
 std::optional<QString> ModelStore::installed(const Model& model) const {
     for (const QString& folder : foldersOf(model)) {
-        const auto isThere = [&](const ModelFile& file) {
-            const QFileInfo info(folder + u'/' + file.name);
-            return info.isFile() && info.size() == file.size;
-        };
-        if (std::all_of(model.files.begin(), model.files.end(), isThere))
+        if (isWhole(folder, model))
             return folder;
     }
     return std::nullopt;
+}
+
+bool ModelStore::isWhole(const QString& folder, const Model& model) const {
+    const auto files = filesOf(model, folder);
+    return std::all_of(files.begin(), files.end(), [&](const ModelFile& file) {
+        const QString path = folder + u'/' + file.name;
+        const QFileInfo info(path);
+        return !file.digest.isEmpty() && info.isFile() && info.size() == file.size &&
+               !isKnownToBeDamaged(path, file);
+    });
 }
 
 std::optional<QString> ModelStore::verified(const Model& model) const {
     const auto folder = installed(model);
     if (!folder)
         return std::nullopt;
-    const auto isIntactThere = [&](const ModelFile& file) {
-        return isIntact(*folder + u'/' + file.name, file);
-    };
-    if (std::all_of(model.files.begin(), model.files.end(), isIntactThere))
+    const auto files = filesOf(model, *folder);
+    if (std::all_of(files.begin(), files.end(),
+                    [&](const ModelFile& file) { return isIntact(*folder + u'/' + file.name, file); }))
         return folder;
     qCWarning(speechLog).noquote() << "model" << model.id << "is damaged";
     return std::nullopt;
+}
+
+bool ModelStore::isKnownToBeDamaged(const QString& path, const ModelFile& file) const {
+    const auto which = identity(path);
+    const std::scoped_lock lock(mutex_);
+    const auto known = which ? known_.find(keyOf(*which, file)) : known_.end();
+    return known != known_.end() && !known->second;
 }
 
 bool ModelStore::isIntact(const QString& path, const ModelFile& file) const {
     const auto which = identity(path);
     if (!which)
         return false;
-    const QByteArray key = *which + ' ' + file.digest;
+    const QByteArray key = keyOf(*which, file);
     {
         const std::scoped_lock lock(mutex_);
         if (const auto known = known_.find(key); known != known_.end())
             return known->second;
     }
-    const bool isIntact = hasDigest(path, file.digest);
+    const bool isIntact = digestOf(path) == file.digest;
     const std::scoped_lock lock(mutex_);
     return known_[key] = isIntact;
+}
+
+QByteArray ModelStore::digestOf(const QString& path) {
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+        return {};
+    return hash.result().toHex();
+}
+
+bool ModelStore::recordDigests(const QString& folder, const std::vector<ModelFile>& files) {
+    QSaveFile record(folder + u'/' + digestsName);
+    if (!record.open(QIODevice::WriteOnly))
+        return false;
+    for (const ModelFile& file : files) {
+        const QString path = folder + u'/' + file.name;
+        QByteArray row = digestOf(path);
+        row.append(' ')
+            .append(QByteArray::number(QFileInfo(path).size()))
+            .append(' ')
+            .append(file.name.toUtf8());
+        record.write(row.append('\n'));
+    }
+    return record.commit();
 }
 
 } // namespace velorin

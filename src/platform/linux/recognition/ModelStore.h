@@ -4,6 +4,9 @@
 /// before its path is given to anybody. A file that was checked is not read again until it changes.
 ///
 ///     if (const auto folder = store.verified(model)) load(*folder);
+///
+/// A publisher that gives no digest is trusted once: the digests of what was downloaded first are kept beside
+/// it, in the file "digests", and hold from then on.
 #pragma once
 
 #include "platform/linux/recognition/ModelCatalog.h"
@@ -31,8 +34,17 @@ public:
 
     [[nodiscard]] const QString& userFolder() const { return userFolder_; }
 
+    /// The SHA-256 of a file, in hexadecimal; empty when it cannot be read. For background threads.
+    [[nodiscard]] static QByteArray digestOf(const QString& path);
+
+    /// Keeps the digests of a folder's files for later: what `installed` and `verified` go by where the table
+    /// of models has none.
+    [[nodiscard]] static bool recordDigests(const QString& folder, const std::vector<ModelFile>& files);
+
 private:
     [[nodiscard]] QStringList foldersOf(const Model& model) const;
+    [[nodiscard]] bool isWhole(const QString& folder, const Model& model) const;
+    [[nodiscard]] bool isKnownToBeDamaged(const QString& path, const ModelFile& file) const;
     [[nodiscard]] bool isIntact(const QString& path, const ModelFile& file) const;
 
     QStringList programFolders_;

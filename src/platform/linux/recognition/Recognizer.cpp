@@ -72,13 +72,64 @@ SherpaHandle<SherpaOnnxOfflineRecognizer> loadMoonshine(const QString& folder) {
     return create(config);
 }
 
-SherpaHandle<SherpaOnnxOfflineRecognizer> loadFamily(const Model& model, const QString& folder) {
+/// The path of a file of the model, in the form that the run time wants.
+std::string pathOf(const QString& folder, const Model& model, std::size_t file) {
+    return QFile::encodeName(folder + u'/' + model.files.at(file).name).toStdString();
+}
+
+SherpaHandle<SherpaOnnxOfflineRecognizer> loadTransducer(const Model& model, const QString& folder) {
+    const std::string encoder = pathOf(folder, model, 0);
+    const std::string decoder = pathOf(folder, model, 1);
+    const std::string joiner = pathOf(folder, model, 2);
+    const std::string tokens = pathOf(folder, model, 3);
+    SherpaOnnxOfflineRecognizerConfig config{};
+    config.model_config.transducer = {encoder.c_str(), decoder.c_str(), joiner.c_str()};
+    config.model_config.tokens = tokens.c_str();
+    config.model_config.model_type = "nemo_transducer";
+    return create(config);
+}
+
+SherpaHandle<SherpaOnnxOfflineRecognizer> loadSenseVoice(const Model& model, const QString& folder,
+                                                         const std::string& language) {
+    const std::string network = pathOf(folder, model, 0);
+    const std::string tokens = pathOf(folder, model, 1);
+    SherpaOnnxOfflineRecognizerConfig config{};
+    config.model_config.sense_voice.model = network.c_str();
+    config.model_config.sense_voice.language = language.c_str();
+    config.model_config.sense_voice.use_itn = 1; // punctuation and numerals
+    config.model_config.tokens = tokens.c_str();
+    return create(config);
+}
+
+SherpaHandle<SherpaOnnxOfflineRecognizer> loadWhisper(const Model& model, const QString& folder,
+                                                      const std::string& language) {
+    const std::string encoder = pathOf(folder, model, 0);
+    const std::string decoder = pathOf(folder, model, 1);
+    const std::string tokens = pathOf(folder, model, 2);
+    SherpaOnnxOfflineRecognizerConfig config{};
+    config.model_config.whisper.encoder = encoder.c_str();
+    config.model_config.whisper.decoder = decoder.c_str();
+    config.model_config.whisper.language = language.c_str();
+    config.model_config.whisper.task = "transcribe";
+    config.model_config.tokens = tokens.c_str();
+    return create(config);
+}
+
+SherpaHandle<SherpaOnnxOfflineRecognizer> loadFamily(const Model& model, const QString& folder,
+                                                     const std::string& language) {
     switch (model.family) {
     case ModelFamily::moonshine:
         return loadMoonshine(folder);
-    default:
-        return nullptr;
+    case ModelFamily::transducer:
+        return loadTransducer(model, folder);
+    case ModelFamily::senseVoice:
+        return loadSenseVoice(model, folder, language);
+    case ModelFamily::whisper:
+        return loadWhisper(model, folder, language);
+    case ModelFamily::voiceActivity:
+        break;
     }
+    return nullptr;
 }
 
 std::string trimmed(std::string_view text) {
@@ -92,9 +143,10 @@ std::string trimmed(std::string_view text) {
 } // namespace
 
 std::unique_ptr<Recognizer> Recognizer::load(const Model& model, const QString& folder,
-                                             const QString& /*localeIdentifier*/) {
+                                             const QString& localeIdentifier) {
     auto recognizer = std::make_unique<Recognizer>();
-    recognizer->recognizer_ = loadFamily(model, folder);
+    recognizer->recognizer_ =
+        loadFamily(model, folder, ModelCatalog::languageOf(localeIdentifier).toStdString());
     if (!recognizer->recognizer_)
         return nullptr;
     return recognizer;

@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/SherpaRecognition.h"
 
 #include "platform/Gate.h"
+#include "platform/linux/recognition/ModelInstallation.h"
 #include "platform/linux/recognition/Recognizer.h"
 #include "platform/linux/recognition/SileroVoiceActivity.h"
 
@@ -198,8 +199,21 @@ QCoro::Task<AssetStatus> SherpaRecognition::status(std::shared_ptr<SpeechTranscr
 }
 
 RecognitionTask<std::shared_ptr<AssetInstallationRequest>>
-SherpaRecognition::assetInstallationRequest(std::shared_ptr<SpeechTranscriber> /*transcriber*/) {
-    co_return tl::unexpected(modelMissing());
+SherpaRecognition::assetInstallationRequest(std::shared_ptr<SpeechTranscriber> transcriber) {
+    const Model* const model = ModelCatalog::modelFor(localeOf(transcriber));
+    std::shared_ptr<AssetInstallationRequest> request;
+    // Voice activity comes with the program or not at all.
+    if (!model || !model->canBeDownloaded() || !store_->installed(ModelCatalog::voiceActivity()))
+        co_return tl::unexpected(modelMissing());
+    if (!store_->installed(*model))
+        request = std::make_shared<ModelInstallation>(network(), store_, *model);
+    co_return request;
+}
+
+QNetworkAccessManager& SherpaRecognition::network() {
+    if (!network_)
+        network_ = std::make_unique<QNetworkAccessManager>();
+    return *network_;
 }
 
 void SherpaRecognition::hasBegun() {

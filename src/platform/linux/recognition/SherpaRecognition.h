@@ -7,6 +7,7 @@
 #include "platform/linux/recognition/ModelStore.h"
 #include "platform/linux/recognition/RecognitionWorker.h"
 
+#include <QNetworkAccessManager>
 #include <QObject>
 
 namespace velorin {
@@ -36,12 +37,14 @@ private:
     [[nodiscard]] RecognitionTask<std::shared_ptr<AssetInstallationRequest>>
     assetInstallationRequest(std::shared_ptr<SpeechTranscriber> transcriber) override;
 
+    [[nodiscard]] QNetworkAccessManager& network();
     void hasBegun();
     void hasEnded();
     void keepModelForAWhile();
 
     Clock& clock_;
     std::shared_ptr<ModelStore> store_;
+    std::unique_ptr<QNetworkAccessManager> network_; ///< From the first download on.
     Subscription release_;
     int dictations_ = 0;
     /// Receives what the worker sends to the main thread.

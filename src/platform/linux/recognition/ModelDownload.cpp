@@ -1,0 +1,255 @@
+#include "platform/linux/recognition/ModelDownload.h"
+
+#include "platform/Log.h"
+#include "platform/linux/recognition/FileReceiver.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QNetworkReply>
+#include <QStorageInfo>
+#include <QThreadPool>
+
+#include <optional>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace velorin {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Left free for everybody else.
+constexpr qint64 reserve = 50'000'000;
+
+QString tr(const char* text) { return QCoreApplication::translate("ModelDownload", text); }
+
+tl::unexpected<RecognitionError> failure(const char* text) {
+    return tl::unexpected(RecognitionError{tr(text)});
+}
+
+constexpr auto notEnoughSpace = "There is not enough space on the disk for the speech recognition model.";
+
+tl::unexpected<RecognitionError> failure(ReceiveProblem problem) {
+    switch (problem) {
+    case ReceiveProblem::refused:
+        return failure("The speech recognition model is not offered for download any more.");
+    case ReceiveProblem::broken:
+        return failure(
+            "The download of the speech recognition model was interrupted. Please check the network; it "
+            "goes on where it stopped.");
+    case ReceiveProblem::tooSlow:
+        return failure(
+            "The download of the speech recognition model is too slow. It goes on where it stopped.");
+    case ReceiveProblem::tooMuch:
+        return failure("The download of the speech recognition model brought something else.");
+    case ReceiveProblem::diskFull:
+        return failure(notEnoughSpace);
+    case ReceiveProblem::cancelled:
+        break;
+    }
+    return failure("The download of the speech recognition model was cancelled.");
+}
+
+/// Has something done on another thread; the task goes on on the main thread.
+template <typename Result>
+QCoro::Task<Result> inBackground(std::function<Result()> work) {
+    struct State {
+        Gate isDone{false};
+        std::optional<Result> result;
+    };
+    const auto state = std::make_shared<State>();
+    QThreadPool::globalInstance()->start([state, work = std::move(work)] {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [state, result = work()] {
+                state->result = result;
+                state->isDone.open();
+            },
+            Qt::QueuedConnection);
+    });
+    co_await state->isDone.opened();
+    co_return *state->result;
+}
+
+/// What tells one version of a file on the server from another, kept beside its first part.
+QByteArray readValidator(const QString& path) {
+    QFile file(path + u".validator"_s);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void keepValidator(const QString& path, const QNetworkReply& reply) {
+    const QByteArray tag = reply.rawHeader("ETag");
+    QFile file(path + u".validator"_s);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(tag.isEmpty() || tag.startsWith("W/") ? reply.rawHeader("Last-Modified") : tag);
+}
+
+bool syncFolder(const QString& folder) {
+    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool isSynced = descriptor >= 0 && syncfs(descriptor) == 0;
+    if (descriptor >= 0)
+        close(descriptor);
+    return isSynced;
+}
+
+} // namespace
+
+ModelDownload::ModelDownload(QNetworkAccessManager& network, const ModelStore& store, const Model& model,
+                             Trial trial, Patience patience)
+    : network_(network), store_(store), model_(model), trial_(std::move(trial)), patience_(patience) {}
+
+ModelDownload::~ModelDownload() { alive_.reset(); }
+
+QString ModelDownload::incompleteFolder(const ModelStore& store, const Model& model) {
+    return store.userFolder() + u"/incomplete/"_s + model.id;
+}
+
+void ModelDownload::cancel() {
+    isCancelled_ = true;
+    if (reply_)
+        reply_->abort();
+}
+
+RecognitionTask<void> ModelDownload::run(AssetInstallationRequest::Progress progress) {
+    const Alive alive = alive_;
+    progress_ = std::move(progress);
+    const QString folder = incompleteFolder(store_, model_);
+    if (!QDir().mkpath(folder))
+        co_return failure("The speech recognition model cannot be stored in your home folder.");
+    QLockFile lock(folder + u".lock"_s);
+    lock.setStaleLockTime(0); // Only the end of its process makes a lock stale.
+    if (auto turn = co_await waitForTurn(&lock); !turn)
+        co_return turn;
+    // Another process may have brought it meanwhile.
+    if (store_.installed(model_))
+        co_return Outcome{};
+    if (!hasSpace())
+        co_return failure(notEnoughSpace);
+    for (const ModelFile& file : model_.files) {
+        auto brought = co_await bring(&file);
+        if (alive.expired() || !brought)
+            co_return brought;
+        filesBefore_ += QFileInfo(folder + u'/' + file.name).size();
+    }
+    co_return co_await putInPlace();
+}
+
+RecognitionTask<void> ModelDownload::waitForTurn(QLockFile* lock) {
+    const Alive alive = alive_;
+    while (!lock->tryLock(0)) {
+        Gate isTime(false);
+        QTimer::singleShot(patience_.betweenLooksAtOthers, [&isTime] { isTime.open(); });
+        co_await isTime.opened();
+        if (alive.expired() || isCancelled_)
+            co_return failure(ReceiveProblem::cancelled);
+    }
+    co_return Outcome{};
+}
+
+bool ModelDownload::hasSpace() const {
+    const QString folder = incompleteFolder(store_, model_);
+    qint64 needed = reserve;
+    for (const ModelFile& file : model_.files)
+        needed += std::max<qint64>(0, file.size - QFileInfo(folder + u'/' + file.name).size());
+    return QStorageInfo(folder).bytesAvailable() >= needed;
+}
+
+void ModelDownload::tell(qint64 ofThisFile) const {
+    if (progress_)
+        progress_(filesBefore_ + ofThisFile, std::max(model_.size(), filesBefore_ + ofThisFile));
+}
+
+/// Has one file complete and checked in the folder of the incomplete.
+RecognitionTask<void> ModelDownload::bring(const ModelFile* file) {
+    const Alive alive = alive_;
+    const QString path = incompleteFolder(store_, model_) + u'/' + file->name;
+    const std::function<QByteArray()> digest = [path] { return ModelStore::digestOf(path); };
+    // A part has another name until it is complete.
+    if (!QFile::exists(path)) {
+        if (auto fetched = co_await fetch(file, path + u".part"_s); alive.expired() || !fetched)
+            co_return fetched;
+        if (!QFile::rename(path + u".part"_s, path))
+            co_return failure(notEnoughSpace);
+    }
+    tell(QFileInfo(path).size());
+    if (file->digest.isEmpty() || co_await inBackground(digest) == file->digest)
+        co_return Outcome{};
+    QFile::remove(path);
+    co_return failure(ReceiveProblem::tooMuch);
+}
+
+RecognitionTask<void> ModelDownload::fetch(const ModelFile* file, QString path) {
+    const Alive alive = alive_;
+    if (isCancelled_)
+        co_return failure(ReceiveProblem::cancelled);
+    const QByteArray validator = readValidator(path);
+    const bool isExact = !file->digest.isEmpty();
+    const qint64 kept = isExact || !validator.isEmpty() ? QFileInfo(path).size() : 0;
+    if (isExact && kept == file->size)
+        co_return Outcome{};
+    QNetworkReply* const reply = request(*file, kept, isExact ? QByteArray() : validator);
+    reply_ = reply;
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, reply,
+                     [reply, path] { keepValidator(path, *reply); });
+    FileReceiver receiver(reply, path, kept, isExact ? file->size : 0, patience_,
+                          [this](qint64 size) { tell(size); });
+    const auto received = co_await receiver.received();
+    if (alive.expired())
+        co_return failure(ReceiveProblem::cancelled);
+    if (!received)
+        qCWarning(speechLog).noquote()
+            << "model" << model_.id << "not downloaded, problem" << static_cast<int>(received.error());
+    if (!received)
+        co_return failure(isCancelled_ ? ReceiveProblem::cancelled : received.error());
+    if (isExact && QFileInfo(path).size() < file->size)
+        co_return failure(ReceiveProblem::broken);
+    co_return Outcome{};
+}
+
+QNetworkReply* ModelDownload::request(const ModelFile& file, qint64 from, const QByteArray& validator) {
+    QNetworkRequest request{QUrl(file.address)};
+    // Any host, but never from a protected connection to an open one.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setTransferTimeout(static_cast<int>(patience_.silence.count()));
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setHeader(QNetworkRequest::UserAgentHeader, u"Velorin"_s);
+    if (from > 0) {
+        QByteArray range("bytes=");
+        request.setRawHeader("Range", range.append(QByteArray::number(from)).append('-'));
+    }
+    if (from > 0 && !validator.isEmpty())
+        request.setRawHeader("If-Range", validator);
+    return network_.get(request);
+}
+
+RecognitionTask<void> ModelDownload::putInPlace() {
+    const QString folder = incompleteFolder(store_, model_);
+    const QString place = store_.userFolder() + u'/' + model_.id;
+    const std::function<bool()> check = [folder, &model = model_, trial = trial_] {
+        const bool isTrusted = std::none_of(model.files.begin(), model.files.end(),
+                                            [](const ModelFile& file) { return file.digest.isEmpty(); });
+        return isTrusted || (trial(folder, model) && ModelStore::recordDigests(folder, model.files));
+    };
+    const Alive alive = alive_;
+    const bool isUsable = co_await inBackground(check);
+    if (alive.expired())
+        co_return failure(ReceiveProblem::cancelled);
+    if (!isUsable) {
+        QDir(folder).removeRecursively();
+        co_return failure(ReceiveProblem::tooMuch);
+    }
+    for (const QString& validator : QDir(folder).entryList({u"*.validator"_s}, QDir::Files))
+        QFile::remove(folder + u'/' + validator);
+    QDir(place).removeRecursively(); // A damaged one, or it would not have been downloaded.
+    if (!syncFolder(folder) || !QDir().rename(folder, place))
+        co_return failure(notEnoughSpace);
+    qCInfo(speechLog).noquote() << "model" << model_.id << "installed";
+    co_return Outcome{};
+}
+
+} // namespace velorin
