@@ -24,6 +24,20 @@ test: bootstrap
 bench: all
 	@build/release/bin/velorin-bench
 
+# Compares the cleanup with its reference on ten million texts; takes most of an hour on two processors.
+proof: all
+	@cmake --build build/release --target velorin-proof -j $(BUILD_JOBS)
+	@build/release/bin/velorin-proof
+
+# What libFuzzer finds interesting is kept in build/fuzz/corpus from one run to the next.
+FUZZ_SECONDS ?= 300
+fuzz: bootstrap
+	@cmake --preset fuzz --log-level=WARNING
+	@cmake --build build/fuzz -j $(BUILD_JOBS)
+	@mkdir -p build/fuzz/corpus/cleanup
+	@build/fuzz/bin/velorin-fuzz-cleanup -max_len=400 -timeout=60 -max_total_time=$(FUZZ_SECONDS) \
+	    build/fuzz/corpus/cleanup
+
 lint: all
 	@scripts/lint
 

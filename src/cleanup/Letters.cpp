@@ -11,12 +11,12 @@ namespace velorin::Letters {
 
 namespace {
 
-enum : std::uint8_t { letterBits = 0x1F, isWordBit = 0x20, isLetterOrNumberBit = 0x40 };
+enum : std::uint8_t { isWordBit = 1, isLetterOrNumberBit = 2 };
 
 constexpr std::array<std::uint8_t, 128> asciiTable = [] {
     std::array<std::uint8_t, 128> table{};
     for (unsigned i = 0; i < 26; ++i) {
-        const auto kind = static_cast<std::uint8_t>((i + 1) | isWordBit | isLetterOrNumberBit);
+        const auto kind = static_cast<std::uint8_t>(isWordBit | isLetterOrNumberBit);
         table['a' + i] = kind;
         table['A' + i] = kind;
     }
@@ -26,10 +26,6 @@ constexpr std::array<std::uint8_t, 128> asciiTable = [] {
     return table;
 }();
 
-constexpr unsigned letterNumber(char letter) { return static_cast<unsigned>(letter - 'a') + 1; }
-
-constexpr char16_t longS = 0x17F;
-constexpr char16_t kelvinSign = 0x212A;
 constexpr char16_t ligatureLongST = 0xFB05;
 constexpr char16_t ligatureST = 0xFB06;
 
@@ -86,42 +82,33 @@ qsizetype foreignFillerAt(QStringView text, qsizetype position) {
 
 } // namespace
 
-unsigned plainLetter(char16_t unit) {
-    if (unit < 0x80)
-        return asciiTable[unit] & letterBits;
-    if (unit == longS)
-        return letterNumber('s');
-    return unit == kelvinSign ? letterNumber('k') : 0;
-}
-
 Run runAt(QStringView text, qsizetype position) {
-    const char16_t* const units = text.utf16();
+    const char16_t* const begin = text.utf16();
+    const char16_t* const end = begin + text.size();
+    const char16_t* unit = begin + position;
     WordKey key = 0;
-    int letters = 0;
-    qsizetype end = position;
-    for (; end < text.size(); ++end) {
-        if (const unsigned letter = plainLetter(units[end])) {
+    for (; unit < end; ++unit) {
+        if (const unsigned letter = plainLetter(*unit))
             key = extended(key, letter);
-            ++letters;
-        } else if (isLigatureOfST(units[end])) {
-            key = extended(extended(key, letterNumber('s')), letterNumber('t'));
-            letters += 2;
-        } else {
+        else if (isLigatureOfST(*unit))
+            key = extended(extended(key, plainLetter(u's')), plainLetter(u't'));
+        else
             break;
-        }
     }
-    return {position, end, letters <= longestKeyedWord ? key : 0};
+    // The first letter of a word that is too long has been pushed out of the key, or will be in its way.
+    const bool isKeyed = unit - begin - position <= longestKeyedWord && key < WordKey{1} << 5 * longestKeyedWord;
+    return {position, unit - begin, isKeyed ? key : 0};
 }
 
 Run nextRun(QStringView text, qsizetype position) {
     const char16_t* const units = text.utf16();
-    for (; position < text.size(); ++position) {
+    for (const qsizetype size = text.size(); position < size; ++position) {
         const char16_t unit = units[position];
-        if (unit < 0x80 ? (asciiTable[unit] & letterBits) != 0 : isPlainLetter(unit) || isLigatureOfST(unit))
+        if (isPlainLetter(unit) || (unit >= 0x80 && isLigatureOfST(unit)))
             return runAt(text, position);
         if (mayBeginForeignFiller(unit)) {
-            if (const qsizetype size = foreignFillerAt(text, position))
-                return {position, position + size, foreignFiller};
+            if (const qsizetype filler = foreignFillerAt(text, position))
+                return {position, position + filler, foreignFiller};
         }
     }
     return {position, position, 0};

@@ -34,8 +34,19 @@ struct Run {
 /// The run that starts exactly here. Empty if there is no letter.
 [[nodiscard]] Run runAt(QStringView text, qsizetype position);
 
+inline constexpr char16_t longS = 0x17F;
+inline constexpr char16_t kelvinSign = 0x212A;
+
 /// The number of the letter, 1 to 26, or 0.
-[[nodiscard]] unsigned plainLetter(char16_t unit);
+[[nodiscard]] constexpr unsigned plainLetter(char16_t unit) {
+    if (unit < 0x80) {
+        const unsigned letter = (unit | 0x20U) - u'a';
+        return letter < 26 ? letter + 1 : 0;
+    }
+    if (unit == longS)
+        return u's' - u'a' + 1;
+    return unit == kelvinSign ? u'k' - u'a' + 1 : 0;
+}
 /// a to z, without regard to case.
 [[nodiscard]] inline bool isPlainLetter(char16_t unit) { return plainLetter(unit) != 0; }
 /// a to z, 0 to 9.

@@ -2,25 +2,6 @@
 
 namespace velorin::WhiteSpace {
 
-namespace {
-
-constexpr bool isSpaceSeparator(char32_t c) {
-    return c == 0x20 || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F ||
-           c == 0x205F || c == 0x3000;
-}
-
-constexpr bool isLineEnd(char32_t c) {
-    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
-}
-
-} // namespace
-
-bool contains(Set set, char32_t codePoint) {
-    if (codePoint == u'\t' || isSpaceSeparator(codePoint))
-        return true;
-    return set == Set::whitespacesAndNewlines && isLineEnd(codePoint);
-}
-
 QStringView trimmed(QStringView text, Set set) {
     while (!text.isEmpty() && contains(set, text.front().unicode()))
         text = text.sliced(1);

@@ -19,12 +19,21 @@ enum class Set {
     whitespacesAndNewlines,
 };
 
-[[nodiscard]] bool contains(Set set, char32_t codePoint);
-
 /// White space without line ends, the shape in which it stands within a line.
-[[nodiscard]] inline bool isWhitespace(char32_t codePoint) { return contains(Set::whitespaces, codePoint); }
-[[nodiscard]] inline bool isWhitespaceOrNewline(char32_t codePoint) {
-    return contains(Set::whitespacesAndNewlines, codePoint);
+[[nodiscard]] constexpr bool isWhitespace(char32_t c) {
+    if (c < 0x80)
+        return c == U' ' || c == U'\t';
+    return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F || c == 0x3000;
+}
+
+[[nodiscard]] constexpr bool isWhitespaceOrNewline(char32_t c) {
+    if (c < 0x80)
+        return c == U' ' || (c >= 0x09 && c <= 0x0D);
+    return c == 0x85 || c == 0x2028 || c == 0x2029 || isWhitespace(c);
+}
+
+[[nodiscard]] constexpr bool contains(Set set, char32_t codePoint) {
+    return set == Set::whitespaces ? isWhitespace(codePoint) : isWhitespaceOrNewline(codePoint);
 }
 
 /// The view without the members of the set at both ends.

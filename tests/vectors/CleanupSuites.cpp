@@ -1,10 +1,10 @@
 #include "Suites.h"
 
-#include "../cleanup/reference/Reference.h"
 #include "cleanup/PolishGuard.h"
 #include "cleanup/RuleCleaner.h"
 #include "cleanup/Stages.h"
 #include "delivery/ContextDetector.h"
+#include "tests/cleanup/reference/Reference.h"
 
 #include <QJsonArray>
 

@@ -2,8 +2,10 @@
 // triples of the vocabulary in all profiles, then random texts (ten million unless told otherwise), on all
 // processors.
 #include "Agreement.h"
+#include "HostileTexts.h"
 #include "Vocabulary.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -21,7 +23,7 @@ public:
     void run(const char* name, std::size_t count, const std::function<void(std::size_t)>& check) {
         const auto start = std::chrono::steady_clock::now();
         std::atomic<std::size_t> next = 0;
-        constexpr std::size_t batch = 256;
+        const std::size_t batch = std::clamp<std::size_t>(count / 1000, 1, 256);
         const auto work = [&] {
             for (std::size_t first = next.fetch_add(batch); first < count; first = next.fetch_add(batch)) {
                 for (std::size_t i = first; i < std::min(first + batch, count); ++i)
@@ -61,6 +63,20 @@ private:
     std::mutex printing_;
 };
 
+/// Large hostile texts; smaller ones where the plain way would take hours.
+void proveHostile(Proof& proof) {
+    constexpr qsizetype whole = 100'000;
+    constexpr qsizetype part = 5'000;
+    const auto large = hostileTexts(whole);
+    const auto small = hostileTexts(part);
+    const auto profiles = allContextProfiles.size();
+    proof.run("hostile texts", large.size() * profiles, [&](std::size_t i) {
+        const bool isEndless = large[i / profiles].name == QStringView(u"one-word");
+        const QString& text = (isEndless ? small : large)[i / profiles].text;
+        proof.compare({text, allContextProfiles[i % profiles], {}});
+    });
+}
+
 void proveAll(Proof& proof, std::size_t randomTexts) {
     const auto& pieces = vocabulary();
     const std::size_t size = pieces.size();
@@ -73,6 +89,7 @@ void proveAll(Proof& proof, std::size_t randomTexts) {
         compareInAllProfiles(text);
         proof.compareStages({text, ContextProfile::code, {}});
     });
+    proveHostile(proof);
     proof.run("random texts", randomTexts, [&](std::size_t i) {
         std::mt19937_64 random(i);
         const Input input = randomInput(random);
