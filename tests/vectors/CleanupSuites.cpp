@@ -5,6 +5,7 @@
 #include "cleanup/Stages.h"
 #include "delivery/ContextDetector.h"
 #include "tests/cleanup/reference/Reference.h"
+#include "tests/core/ModelDesk.h"
 
 #include <QJsonArray>
 
@@ -29,6 +30,18 @@ QString textIn(const QJsonObject& in) { return in[u"text"].toString(); }
 QJsonValue polishRejection(const QJsonObject& in) {
     const auto reason = PolishGuard::rejection(in[u"polished"].toString(), in[u"original"].toString());
     return reason ? QJsonValue(*reason) : QJsonValue();
+}
+
+/// Of a model, whose mode decides.
+QJsonValue cleanedTextForCurrentMode(const QJsonObject& in) {
+    ModelDesk desk;
+    AppModel& model = desk.start();
+    model.setFinalizedText(in[u"finalizedText"].toString());
+    model.setVolatileText(in[u"volatileText"].toString());
+    model.setCleanMode(in[u"cleanMode"] == u"off"_s ? CleanMode::off : CleanMode::rules);
+    model.setWordReplacements(replacementsIn(in));
+    model.setActiveProfile(profileIn(in));
+    return model.cleanedTextForCurrentMode();
 }
 
 QJsonValue contextFlags(const QJsonObject& in) {
@@ -104,6 +117,7 @@ void addCleanupSuites(SuiteTable& table) {
         return QJsonArray::fromStringList(PolishGuard::words(textIn(in)));
     });
     table.add(u"polishGuard.rejection"_s, &polishRejection);
+    table.add(u"flows.cleanedTextForCurrentMode"_s, &cleanedTextForCurrentMode);
     table.add(u"context.flags"_s, &contextFlags);
     table.add(u"context.detect"_s, &contextDetect);
     addReferences(table);
