@@ -5,6 +5,23 @@
 
 namespace velorin {
 
+namespace {
+
+struct CorrectingDecoder final : WindowDecoder {
+    CorrectingDecoder(WindowDecoder& model, const std::function<std::string(const std::string&)>& correction)
+        : decoder(model), correct(correction) {}
+
+    std::string decode(std::span<const float> samples) override {
+        const std::string text = decoder.decode(samples);
+        return correct ? correct(text) : text;
+    }
+
+    WindowDecoder& decoder;
+    const std::function<std::string(const std::string&)>& correct;
+};
+
+} // namespace
+
 RecognitionWorker::~RecognitionWorker() {
     {
         const std::scoped_lock lock(mutex_);
@@ -82,7 +99,8 @@ void RecognitionWorker::work(const Job& job) {
             return;
         currentInput_ = job.input;
     }
-    StreamingTranscriber transcriber(*loaded_.voiceActivity, *loaded_.decoder, job.rules, job.onResult);
+    CorrectingDecoder decoder(*loaded_.decoder, job.correct);
+    StreamingTranscriber transcriber(*loaded_.voiceActivity, decoder, job.rules, job.onResult);
     while (!isEnding_) {
         // Asked first: what comes after the answer was yes is nothing.
         const bool isFinished = job.input->isFinished();

@@ -37,6 +37,8 @@ public:
         Load load;
         std::shared_ptr<SampleStream> input;
         StreamingRules rules;
+        /// Applied to each text that the model gives; none for as it is.
+        std::function<std::string(const std::string&)> correct;
         /// Both are called on the worker's thread; `onEnd` once, last.
         StreamingTranscriber::Emit onResult;
         std::function<void(Outcome)> onEnd;

@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/SherpaRecognition.h"
 
 #include "platform/Gate.h"
+#include "platform/linux/recognition/ContextWords.h"
 #include "platform/linux/recognition/ModelInstallation.h"
 #include "platform/linux/recognition/Recognizer.h"
 #include "platform/linux/recognition/SileroVoiceActivity.h"
@@ -85,6 +86,17 @@ LoadedModel load(const ModelStore& store, const Model& model, const QString& loc
     return loaded;
 }
 
+/// Reads the lists of words with the first text, on the worker's thread.
+std::function<std::string(const std::string&)> correction(const std::vector<std::string>& entries) {
+    if (entries.empty())
+        return nullptr;
+    return [entries, words = std::shared_ptr<ContextWords>()](const std::string& text) mutable {
+        if (!words)
+            words = std::make_shared<ContextWords>(entries, OrdinaryWords::ofThisSystem());
+        return words->correct(text);
+    };
+}
+
 } // namespace
 
 class SherpaRecognition::Analyzer final : public SpeechAnalyzer {
@@ -100,7 +112,13 @@ public:
         recognition.worker_.prepare(name_, loadModel_);
     }
 
-    RecognitionTask<void> setContext(QStringList /*contextualStrings*/) override {
+    RecognitionTask<void> setContext(QStringList contextualStrings) override {
+        // Spelling and sound are those of English.
+        if (ModelCatalog::languageOf(transcriber_->locale) != u"en")
+            co_return tl::unexpected(RecognitionError{});
+        context_.clear();
+        for (const QString& string : contextualStrings)
+            context_.push_back(string.toStdString());
         co_return tl::expected<void, RecognitionError>{};
     }
 
@@ -149,13 +167,14 @@ private:
             };
             QMetaObject::invokeMethod(mainThread, end, Qt::QueuedConnection);
         };
-        return {name_, loadModel_, std::move(stream), rules, onResult, onEnd};
+        return {name_, loadModel_, std::move(stream), rules, correction(context_), onResult, onEnd};
     }
 
     QPointer<QObject> recognition_; ///< Null once `owner_` is gone.
     SherpaRecognition& owner_;
     std::shared_ptr<Transcriber> transcriber_;
     RecognitionWorker::Load loadModel_;
+    std::vector<std::string> context_;
     std::string name_;
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };

@@ -24,6 +24,7 @@ struct Dictation {
                 std::move(load),
                 stream,
                 {},
+                {},
                 [this](const std::string& text, bool isFinal) {
                     if (isFinal)
                         finals.push_back(text);
@@ -92,6 +93,16 @@ TEST_F(RecognitionWorkerTest, LosesNothingThatWasSaidWhileTheModelWasLoaded) {
     mayLoad.set_value();
     EXPECT_EQ(endOf(dictation), RecognitionWorker::Outcome::done);
     EXPECT_THAT(dictation.finals, ElementsAre("80"));
+}
+
+TEST_F(RecognitionWorkerTest, CorrectsWhatTheModelGives) {
+    Dictation dictation;
+    auto job = dictation.job("a", load());
+    job.correct = [](const std::string& text) { return "<" + text + ">"; };
+    worker.begin(std::move(job));
+    dictation.speak(50);
+    endOf(dictation);
+    EXPECT_THAT(dictation.finals, ElementsAre("<50>"));
 }
 
 TEST_F(RecognitionWorkerTest, LoadsAheadAndAgainForAnotherModel) {
