@@ -24,6 +24,8 @@ struct KeyState {
     std::atomic<std::uint32_t> isWatched = 0;
     /// A resource of the tap's connection; 0 for none. Who destroys its maker lets go of all grabs.
     std::atomic<std::uint32_t> tapResource = 0;
+    /// Whether the tap holds the whole keyboard, not for one key's answer alone.
+    std::atomic<std::uint32_t> isHolding = 0;
     /// The guard's question whether the tap lives, and its answer: the same number.
     std::atomic<std::uint32_t> asked = 0;
     std::atomic<std::uint32_t> answered = 0;

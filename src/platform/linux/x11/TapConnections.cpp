@@ -1,5 +1,7 @@
 #include "platform/linux/x11/TapConnections.h"
 
+#include "platform/linux/x11/InputSelection.h"
+
 #include <optional>
 #include <poll.h>
 #include <xcb/xinput.h>
@@ -13,14 +15,6 @@ namespace velorin {
 namespace {
 
 constexpr auto patience = serverDeadline;
-
-void select(const XConnection& connection, std::uint16_t device, std::uint32_t events) {
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } request{{device, 1}, events};
-    xcb_input_xi_select_events(connection.get(), connection.root(), 1, &request.head);
-}
 
 } // namespace
 
@@ -50,9 +44,9 @@ bool TapConnections::setUp() {
     if (grabs_->extension(xcb_xkb_id))
         (void)grabs_->reply<xcb_xkb_use_extension_reply_t>(xcb_xkb_use_extension(grabs_->get(), 1, 0),
                                                            Deadline(patience));
-    select(*raw_, XCB_INPUT_DEVICE_ALL_MASTER,
-           XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
-    select(*raw_, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
+    selectInput(*raw_, XCB_INPUT_DEVICE_ALL_MASTER,
+                XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    selectInput(*raw_, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
     return readDevices() && raw_->sync(Deadline(patience));
 }
 

@@ -33,8 +33,9 @@ std::uint32_t superState(const TapKeys& keys, const KeyboardMap& map) {
 } // namespace
 
 TapLoop::TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
-                 EventTap::Handler handler)
-    : connections_(std::move(connections)), shared_(shared), orders_(orders), handler_(std::move(handler)) {}
+                 EventTap::Handler handler, GuardProcess& guard)
+    : connections_(std::move(connections)), shared_(shared), orders_(orders), handler_(std::move(handler)),
+      guard_(guard) {}
 
 TapLoop::~TapLoop() {
     shared_->isWatched = 0;
@@ -96,15 +97,18 @@ void TapLoop::regrab() {
         grabs_->apply(planGrabs(tappedKeys_, keys_, *map_), keys_);
 }
 
-void TapLoop::wait() const {
+void TapLoop::wait() {
     connections_->grabs().flush();
     connections_->raw().flush();
-    std::array<pollfd, 3> waiting{{{connections_->grabs().fileDescriptor(), POLLIN, 0},
+    std::array<pollfd, 4> waiting{{{connections_->grabs().fileDescriptor(), POLLIN, 0},
                                    {connections_->raw().fileDescriptor(), POLLIN, 0},
-                                   {orders_.wakeUp.fileDescriptor(), POLLIN, 0}}};
+                                   {orders_.wakeUp.fileDescriptor(), POLLIN, 0},
+                                   {guard_.fileDescriptor(), POLLIN, 0}}};
     poll(waiting.data(), waiting.size(), -1);
     if (waiting[2].revents != 0)
         orders_.wakeUp.clear();
+    if (waiting[3].revents != 0 && !guard_.startAgain())
+        qCWarning(tapLog) << "the keyboard's guard does not stay; going on without it";
 }
 
 bool TapLoop::comeBack() {
@@ -233,10 +237,8 @@ void TapLoop::decide(const TapKey& press) {
 void TapLoop::passModifier(const TapKey& press) {
     // Replayed, it would arrive as if it had been held already when it was pressed.
     grabs_->releaseModifier(press.key);
-    Untangler(*connections_, grabbedKeys_, markerKey(press.key)).run(press, [this](const auto& keys) {
-        announce(keys);
-    });
-    undoGiftsOfNow();
+    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
+    expectAgain(untangler.run(press));
 }
 
 void TapLoop::swallow(const TapKey& press) {
@@ -257,11 +259,11 @@ void TapLoop::swallow(const TapKey& press) {
     const auto first = connections_->nextGrabbed(grabbedKeys_);
     if (!first || (!first->isPress && first->key == press.key))
         return;
-    Untangler(*connections_, grabbedKeys_, markerKey(press.key))
-        .runAfterSwallowing(press.key, company, *first, [this](const auto& keys) { announce(keys); });
+    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
+    const auto again = untangler.runAfterSwallowing(press.key, company, *first);
     if (company)
         tapKey(*company);
-    undoGiftsOfNow();
+    expectAgain(again);
 }
 
 void TapLoop::tapKey(xcb_keycode_t key) {
@@ -274,12 +276,11 @@ xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {
     return map_ ? map_->neutralKey().value_or(otherwise) : otherwise;
 }
 
-void TapLoop::announce(const std::vector<TapKey>& keys) {
-    for (const auto& key : keys) {
-        shared_->keys[key.key] = key.isPress ? KeyState::givenBack : std::uint8_t{0};
+void TapLoop::expectAgain(const std::vector<TapKey>& keys) {
+    for (const auto& key : keys)
         if (key.isPress && grabs_->isGrabbed(key.key))
             ++reposted_[key.key];
-    }
+    undoGiftsOfNow();
 }
 
 void TapLoop::undoGiftsOfNow() {

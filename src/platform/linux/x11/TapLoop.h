@@ -15,6 +15,7 @@
 #include "platform/EventTap.h"
 #include "platform/linux/x11/TapGrabs.h"
 #include "platform/linux/x11/WakeUp.h"
+#include "platform/linux/x11/guard/GuardProcess.h"
 
 #include <mutex>
 #include <optional>
@@ -34,7 +35,7 @@ struct TapOrders {
 class TapLoop final {
 public:
     TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
-            EventTap::Handler handler);
+            EventTap::Handler handler, GuardProcess& guard);
     ~TapLoop();
     TapLoop(const TapLoop&) = delete;
     TapLoop& operator=(const TapLoop&) = delete;
@@ -47,7 +48,7 @@ private:
     [[nodiscard]] bool obey();
     void setUp();
     void regrab();
-    void wait() const;
+    void wait();
     [[nodiscard]] bool comeBack();
 
     void process();
@@ -62,7 +63,7 @@ private:
     void swallow(const TapKey& press);
     void tapKey(xcb_keycode_t key);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
-    void announce(const std::vector<TapKey>& keys);
+    void expectAgain(const std::vector<TapKey>& keys);
     void undoGiftsOfNow();
 
     [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
@@ -75,6 +76,7 @@ private:
     SharedKeyState& shared_;
     TapOrders& orders_;
     EventTap::Handler handler_;
+    GuardProcess& guard_;
     std::unique_ptr<TapGrabs> grabs_;
     std::optional<KeyboardMap> map_;
     TapKeys keys_{"rightControl"};

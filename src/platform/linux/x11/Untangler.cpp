@@ -2,22 +2,21 @@
 
 namespace velorin {
 
-void Untangler::run(const TapKey& waiting, const Announce& announce) {
-    if (!connections_.hold()) {
+std::vector<TapKey> Untangler::run(const TapKey& waiting) {
+    if (!hold()) {
         connections_.replay();
         connections_.grabs().flush();
-        return;
+        return {};
     }
     done_ = caught_ = {waiting};
-    repeat(announce);
+    return repeat();
 }
 
-void Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company,
-                                   const TapKey& first, const Announce& announce) {
-    if (!connections_.hold()) {
-        connections_.letGo();
-        connections_.grabs().flush();
-        return;
+std::vector<TapKey> Untangler::runAfterSwallowing(xcb_keycode_t swallowed,
+                                                  std::optional<xcb_keycode_t> company, const TapKey& first) {
+    if (!hold()) {
+        letGo();
+        return {};
     }
     int expected = company ? 3 : 1; // what was posted behind the press, all of it at once
     for (std::optional<TapKey> key = first; key; key = step()) {
@@ -30,13 +29,26 @@ void Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_ke
             break;
         }
     }
-    repeat(announce);
+    return repeat();
 }
 
-void Untangler::repeat(const Announce& announce) {
+std::vector<TapKey> Untangler::repeat() {
     takeAll(true);
-    while (!connections_.isBroken() && !tryToRepeat(announce))
+    while (!connections_.isBroken() && !tryToRepeat())
         takeAll(false);
+    shared_->isHolding = 0;
+    return std::move(caught_);
+}
+
+bool Untangler::hold() {
+    shared_->isHolding = 1;
+    return connections_.hold();
+}
+
+void Untangler::letGo() {
+    connections_.letGo();
+    connections_.grabs().flush();
+    shared_->isHolding = 0;
 }
 
 std::optional<TapKey> Untangler::step() {
@@ -65,12 +77,14 @@ void Untangler::takeAll(bool isFirst) {
     }
 }
 
-bool Untangler::tryToRepeat(const Announce& announce) {
+bool Untangler::tryToRepeat() {
     for (auto key = done_.rbegin(); key != done_.rend(); ++key)
         connections_.post(!key->isPress, key->key);
     postMarker();
-    for (const auto& key : caught_)
+    for (const auto& key : caught_) {
+        shared_->keys[key.key] = key.isPress ? KeyState::givenBack : std::uint8_t{0};
         connections_.post(key.isPress, key.key);
+    }
     bool isQuiet = true;
     for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
         if (isMarker(*key))
@@ -81,11 +95,8 @@ bool Untangler::tryToRepeat(const Announce& announce) {
             isQuiet = false;
         }
     }
-    if (isQuiet) {
-        announce(caught_);
-        connections_.letGo();
-        connections_.grabs().flush();
-    }
+    if (isQuiet)
+        letGo();
     return isQuiet;
 }
 

@@ -9,38 +9,39 @@
 /// the user did something, that is taken in and it begins again.
 #pragma once
 
+#include "platform/linux/x11/SharedKeyState.h"
 #include "platform/linux/x11/TapConnections.h"
-
-#include <functional>
 
 namespace velorin {
 
 class Untangler final {
 public:
-    /// Called with the keys just before they go their way.
-    using Announce = std::function<void(const std::vector<TapKey>&)>;
-
     /// The marker is a key that is up and means nothing.
-    Untangler(TapConnections& connections, std::deque<TapKey>& grabbedKeys, xcb_keycode_t marker)
-        : connections_(connections), grabbedKeys_(grabbedKeys), marker_(marker) {}
+    Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
+              xcb_keycode_t marker)
+        : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), marker_(marker) {}
 
-    /// For a press that waits and is to arrive as a press of its own.
-    void run(const TapKey& waiting, const Announce& announce);
+    /// For a press that waits and is to arrive as a press of its own. Gives what was put in again: the keys
+    /// of it that are down are held by our device from now on, in the user's stead.
+    [[nodiscard]] std::vector<TapKey> run(const TapKey& waiting);
 
     /// For what came in place of the release of the swallowed key: that release, and a tap of `company` if
     /// there is one, are in the queue already and are dropped.
-    void runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company,
-                            const TapKey& first, const Announce& announce);
+    [[nodiscard]] std::vector<TapKey>
+    runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company, const TapKey& first);
 
 private:
     [[nodiscard]] std::optional<TapKey> step();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
     void postMarker();
     void takeAll(bool isFirst);
-    [[nodiscard]] bool tryToRepeat(const Announce& announce);
-    void repeat(const Announce& announce);
+    [[nodiscard]] bool tryToRepeat();
+    [[nodiscard]] std::vector<TapKey> repeat();
+    [[nodiscard]] bool hold();
+    void letGo();
 
     TapConnections& connections_;
+    SharedKeyState& shared_;
     std::deque<TapKey>& grabbedKeys_;
     xcb_keycode_t marker_;
     std::vector<TapKey> done_;   ///< All that happened to the keyboard since it waits, ours as well.

@@ -1,9 +1,13 @@
 #include "platform/linux/x11/X11EventTap.h"
 
+#include "platform/Log.h"
 #include "platform/linux/x11/ThreadSetup.h"
 #include "platform/linux/x11/X11Session.h"
 
 namespace velorin {
+
+X11EventTap::X11EventTap(SharedKeyState& shared, std::string guard)
+    : shared_(shared), guardProgram_(std::move(guard)) {}
 
 X11EventTap::~X11EventTap() { stop(); }
 
@@ -18,8 +22,14 @@ tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::funct
     thread_ = std::thread([this, connections = std::move(connections), handler = std::move(handler),
                            onLost = std::move(onLost)]() mutable {
         setUpThread("velorin-tap");
-        TapLoop loop(std::move(connections), shared_, orders_, std::move(handler));
-        if (!loop.run() && onLost)
+        bool isLost = false;
+        {
+            GuardProcess guard(guardProgram_, shared_, orders_.wakeUp);
+            if (!guard.start())
+                qCWarning(tapLog) << "the keyboard's guard could not be started";
+            isLost = !TapLoop(std::move(connections), shared_, orders_, std::move(handler), guard).run();
+        }
+        if (isLost && onLost)
             onLost();
     });
     return {};

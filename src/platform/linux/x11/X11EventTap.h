@@ -14,8 +14,9 @@ namespace velorin {
 
 class X11EventTap final : public EventTap {
 public:
-    /// The state is shared with those who post keys; it outlives the tap.
-    explicit X11EventTap(SharedKeyState& shared) : shared_(shared) {}
+    /// The state is shared with those who post keys; it outlives the tap. `guard` is the program that gives
+    /// the keyboard back when this process is stopped; an empty one means none.
+    explicit X11EventTap(SharedKeyState& shared, std::string guard = guardProgram());
     ~X11EventTap() override;
 
     [[nodiscard]] tl::expected<void, EventTapError> start(Handler handler,
@@ -30,6 +31,7 @@ public:
 private:
     SharedKeyState& shared_;
     TapOrders orders_;
+    std::string guardProgram_;
     std::thread thread_;
 };
 

@@ -23,7 +23,7 @@ TEST(TapThread, TakesOrdersWhileKeysArePressed) {
     SharedKeyState state;
     Handled handled;
     handled.answer = [](const KeyEvent&) { return TapAnswer::swallow; };
-    X11EventTap tap(state);
+    X11EventTap tap(state, {});
     tap.setTappedKeys({{63, {0}}});
     std::atomic<bool> isTyping = true;
     std::thread typing([&] {

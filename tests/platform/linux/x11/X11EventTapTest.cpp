@@ -76,7 +76,7 @@ protected:
     SharedKeyState state;
     Handled handled;
     std::atomic<bool> isLost = false;
-    X11EventTap tap{state};
+    X11EventTap tap{state, {}};
     PhysicalKeyboard user;
     TestWindow window;
 };
@@ -336,7 +336,7 @@ TEST(X11EventTap, NeedsAServer) {
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("XDG_SESSION_TYPE");
     SharedKeyState state;
-    X11EventTap tap(state);
+    X11EventTap tap(state, {});
     Handled handled;
     EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
     EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
@@ -345,7 +345,7 @@ TEST(X11EventTap, NeedsAServer) {
 TEST(X11EventTap, NeedsTheExtensions) {
     PrivateServer server({"-extension", "XTEST"});
     SharedKeyState state;
-    X11EventTap tap(state);
+    X11EventTap tap(state, {});
     Handled handled;
     EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
     EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
@@ -354,7 +354,7 @@ TEST(X11EventTap, NeedsTheExtensions) {
 TEST(X11EventTap, DoesNotServeAWaylandSession) {
     PrivateServer server;
     SharedKeyState state;
-    X11EventTap tap(state);
+    X11EventTap tap(state, {});
     Handled handled;
     EXPECT_TRUE(X11Session().letsUsWatchAndPostKeys());
     setenv("XDG_SESSION_TYPE", "wayland", 1);
@@ -373,7 +373,7 @@ TEST(X11EventTap, LeavesTheKeyboardFreeWhenItsProcessIsKilledWhileAPressWaits) {
     const auto child = fork();
     if (child == 0) {
         SharedKeyState state;
-        X11EventTap tap(state);
+        X11EventTap tap(state, {});
         tap.setTappedKeys({fnAnyhow()});
         const auto started = tap.start(
             [&](const KeyEvent&) {

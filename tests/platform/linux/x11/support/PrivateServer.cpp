@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/prctl.h>
@@ -58,7 +57,7 @@ void awaitManagement(XConnection& connection, Deadline deadline) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& command, int inheritedDescriptor) {
+ChildProcess::ChildProcess(const std::vector<std::string>& command, ChildStreams streams) {
     std::vector<char*> arguments;
     for (const auto& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -66,11 +65,12 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, int inherite
     id_ = fork();
     if (id_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL); // also when the test itself is killed
+        if (streams.input >= 0)
+            dup2(streams.input, STDIN_FILENO);
+        if (streams.output >= 0)
+            dup2(streams.output, STDOUT_FILENO);
         for (int descriptor = 3; descriptor < 256; ++descriptor)
-            if (descriptor != inheritedDescriptor)
-                close(descriptor);
-        if (inheritedDescriptor >= 0) // a server: it complains of each display that is taken
-            dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+            close(descriptor);
         execvp(arguments[0], arguments.data());
         _exit(127);
     }
@@ -109,11 +109,13 @@ PrivateServer::PrivateServer(const std::vector<std::string>& options) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0)
         throw std::runtime_error("no pipe");
-    std::vector<std::string> command{"Xvfb",     "-displayfd", std::to_string(ends[1]),
+    // Through a shell that drops its complaint of each display that is taken.
+    std::vector<std::string> command{"sh",       "-c",         "exec Xvfb \"$@\" 2>/dev/null",
+                                     "sh",       "-displayfd", "1",
                                      "-noreset", "-nolisten",  "tcp",
                                      "-screen",  "0",          "800x600x24"};
     command.insert(command.end(), options.begin(), options.end());
-    server_ = std::make_unique<ChildProcess>(command, ends[1]);
+    server_ = std::make_unique<ChildProcess>(command, ChildStreams{-1, ends[1]});
     close(ends[1]);
     display_ = ":" + readLine(ends[0], startDeadline);
     close(ends[0]);

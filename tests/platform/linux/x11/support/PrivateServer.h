@@ -13,10 +13,16 @@
 
 namespace velorin {
 
+/// What a process reads and writes; -1 for what we do.
+struct ChildStreams {
+    int input = -1;
+    int output = -1;
+};
+
 /// A process that ends with its owner.
 class ChildProcess final {
 public:
-    explicit ChildProcess(const std::vector<std::string>& command, int inheritedDescriptor = -1);
+    explicit ChildProcess(const std::vector<std::string>& command, ChildStreams streams = {});
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

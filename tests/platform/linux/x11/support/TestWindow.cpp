@@ -1,7 +1,9 @@
 #include "tests/platform/linux/x11/support/TestWindow.h"
 
+#include <algorithm>
 #include <poll.h>
 #include <stdexcept>
+#include <thread>
 
 namespace velorin {
 
@@ -60,6 +62,21 @@ std::vector<TestWindow::Key> TestWindow::keys(std::size_t atLeast) {
         poll(&waiting, 1, deadline.pollTimeout());
     } while (!deadline.hasPassed());
     return keys;
+}
+
+std::vector<TestWindow::Key> TestWindow::keysThrough(int key) {
+    std::vector<Key> all;
+    const Deadline deadline(patience);
+    const auto isThere = [&] {
+        return std::ranges::any_of(all, [&](const Key& seen) { return seen.key == key && !seen.isPress; });
+    };
+    while (!isThere() && !deadline.hasPassed()) {
+        const auto more = keys();
+        all.insert(all.end(), more.begin(), more.end());
+        if (more.empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return all;
 }
 
 bool TestWindow::waitFor(const std::function<bool(const xcb_generic_event_t&)>& predicate) {

@@ -31,6 +31,8 @@ public:
 
     /// What came since the last call. Waits until there is at least as much, or until the patience ends.
     [[nodiscard]] std::vector<Key> keys(std::size_t atLeast = 0);
+    /// What came since the last call, up to the release of this key, which it waits for.
+    [[nodiscard]] std::vector<Key> keysThrough(int key);
     /// Waits for the event that satisfies the predicate.
     bool waitFor(const std::function<bool(const xcb_generic_event_t&)>& predicate);
 

@@ -1,0 +1,113 @@
+#include "platform/linux/x11/guard/Guard.h"
+
+#include "platform/linux/x11/InputSelection.h"
+
+#include <array>
+#include <poll.h>
+#include <unistd.h>
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+
+namespace velorin {
+
+Guard::Guard(XConnection& connection, SharedKeyState& shared, std::int64_t program, int life, int tapWakeUp)
+    : connection_(connection), processes_(connection), shared_(shared), program_(program), life_(life),
+      tapWakeUp_(tapWakeUp) {}
+
+bool Guard::run() {
+    if (!listen())
+        return false;
+    const char ready = 1;
+    [[maybe_unused]] const auto written = write(life_, &ready, sizeof ready);
+    askAt_ = Deadline(questionDelay); // about what may have been pressed while there was no guard
+    for (;;) {
+        readKeys();
+        if (judgeAt_ && judgeAt_->hasPassed())
+            judge();
+        if (!judgeAt_ && askAt_ && askAt_->hasPassed())
+            ask();
+        if (connection_.isBroken())
+            return true;
+        std::array<pollfd, 2> waiting{{{connection_.fileDescriptor(), POLLIN, 0}, {life_, POLLIN, 0}}};
+        poll(waiting.data(), waiting.size(), pollTimeout());
+        if (waiting[1].revents != 0) { // nothing is ever written there: it is the end
+            releaseOurKeys();
+            return true;
+        }
+    }
+}
+
+bool Guard::listen() {
+    const auto* input = connection_.extension(xcb_input_id);
+    if (!input || !connection_.extension(xcb_test_id))
+        return false;
+    inputOpcode_ = input->major_opcode;
+    const Deadline deadline(serverDeadline);
+    auto* c = connection_.get();
+    const auto version =
+        connection_.reply<xcb_input_xi_query_version_reply_t>(xcb_input_xi_query_version(c, 2, 2), deadline);
+    selectInput(connection_, XCB_INPUT_DEVICE_ALL_MASTER, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS);
+    return version && connection_.sync(deadline);
+}
+
+void Guard::readKeys() {
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) {
+        const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(*event);
+        if ((event->response_type & 0x7f) != XCB_GE_GENERIC || generic.extension != inputOpcode_ ||
+            generic.event_type != XCB_INPUT_RAW_KEY_PRESS)
+            continue;
+        const auto key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event).detail;
+        if (concernsTap(key) && !askAt_)
+            askAt_ = Deadline(questionDelay);
+    }
+}
+
+bool Guard::concernsTap(unsigned key) const {
+    if (shared_->tapResource == 0 || key > 255)
+        return false;
+    return shared_->isHolding != 0 || (shared_->grabbed[key / 32] >> (key % 32) & 1) != 0;
+}
+
+void Guard::ask() {
+    askAt_.reset();
+    ++shared_->asked;
+    judgeAt_ = Deadline(patience);
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(tapWakeUp_, &one, sizeof one);
+}
+
+void Guard::judge() {
+    judgeAt_.reset();
+    if (shared_->answered == shared_->asked)
+        return;
+    endTap();
+    releaseOurKeys();
+    askAt_.reset();
+}
+
+void Guard::endTap() {
+    const std::uint32_t resource = shared_->tapResource;
+    if (resource == 0)
+        return;
+    // The server gives the ids of a client that left to the next one: it must not be a stranger's by now.
+    if (processes_.processOf(resource, Deadline(serverDeadline)) != program_)
+        return;
+    xcb_kill_client(connection_.get(), resource);
+    (void)connection_.sync(Deadline(serverDeadline));
+}
+
+void Guard::releaseOurKeys() {
+    for (unsigned key = 0; key < shared_->keys.size(); ++key)
+        if (shared_->keys[key].exchange(0) != 0)
+            xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, static_cast<std::uint8_t>(key),
+                                XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    (void)connection_.sync(Deadline(serverDeadline));
+}
+
+int Guard::pollTimeout() const {
+    if (judgeAt_)
+        return judgeAt_->pollTimeout();
+    return askAt_ ? askAt_->pollTimeout() : -1;
+}
+
+} // namespace velorin
