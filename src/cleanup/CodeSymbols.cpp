@@ -65,10 +65,11 @@ qsizetype firstCharacter(QStringView text, qsizetype position, bool isSpace) {
 constexpr qsizetype longestCommand = 7;
 
 /// "Git status" becomes "git status", as it was meant.
-void lowerCommandName(QString& text) {
+void lowerCommandName(Draft& draft) {
+    const QStringView text = draft.text();
     const qsizetype start = firstCharacter(text, 0, false);
     // What is longer than any command, in all of its forms, need not be read to its end.
-    const QStringView rest = QStringView(text).sliced(start);
+    const QStringView rest = text.sliced(start);
     const QStringView head = rest.first(std::min(rest.size(), longestCommand + 2));
     const qsizetype size = firstCharacter(head, 0, true);
     if (size > longestCommand || (size < rest.size() && !Graphemes::isBoundary(text, start + size + 1)))
@@ -77,7 +78,8 @@ void lowerCommandName(QString& text) {
     const QString lower = CaseMapping::lower(word);
     if (word == lower || !Tables::contains(Tables::commandNames, lower))
         return;
-    text.replace(0, Graphemes::prefix(text, Graphemes::count(word)).size(), lower);
+    draft.replace(0, Graphemes::prefix(text, Graphemes::count(word)).size(), lower);
+    draft.commit();
 }
 
 /// A phrase of up to three words and its symbol.
@@ -129,26 +131,28 @@ void commandFlags(Draft& draft) {
         writeFlags(
             draft, [](char16_t unit) { return unit == enDash; }, false, u"-");
     }
-    lowerCommandName(draft.string());
+    lowerCommandName(draft);
 }
 
 void applyCodeSymbols(Draft& draft) {
     static const Phrases phrases = phrasesByFirstWord();
+    if (!draft.concerns(Lexicon::codeSymbols))
+        return;
     const QStringView text = draft.text();
-    for (Run run = Letters::nextRun(text, 0); run;) {
-        qsizetype next = run.end;
+    qsizetype limit = 0;
+    for (const Run& run : draft.triggers().runs) {
         const std::vector<Phrase>* const candidates = phrases.find(run.key);
-        if (candidates && Letters::isFreeBefore(text, run.start) && Graphemes::isBoundary(text, run.start)) {
-            for (const Phrase& phrase : *candidates) {
-                const qsizetype end = endOfPhrase(text, run, phrase);
-                if (end == 0 || !Graphemes::isBoundary(text, end))
-                    continue;
-                draft.replace(run.start, end, phrase.symbol);
-                next = end;
-                break;
-            }
+        if (!candidates || run.start < limit || !Letters::isFreeBefore(text, run.start) ||
+            !Graphemes::isBoundary(text, run.start))
+            continue;
+        for (const Phrase& phrase : *candidates) {
+            const qsizetype end = endOfPhrase(text, run, phrase);
+            if (end == 0 || !Graphemes::isBoundary(text, end))
+                continue;
+            draft.replace(run.start, end, phrase.symbol);
+            limit = end;
+            break;
         }
-        run = Letters::nextRun(text, next);
     }
     draft.commit();
 }

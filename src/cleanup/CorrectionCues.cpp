@@ -59,10 +59,13 @@ QVarLengthArray<qsizetype, 4> endsOfCue(QStringView text, Run run) {
 
 } // namespace
 
-CorrectionCues correctionCuesIn(QStringView text) {
+CorrectionCues correctionCuesIn(Draft& draft) {
+    const QStringView text = draft.text();
     CorrectionCues cues;
     qsizetype limit = 0;
-    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, std::max(run.end, limit))) {
+    for (const Run& run : draft.triggers().runs) {
+        if (run.start < limit)
+            continue;
         const auto ends = endsOfCue(text, run);
         const auto* const end =
             std::ranges::find_if(ends, [&](qsizetype each) { return endsWord(text, each); });

@@ -2,7 +2,8 @@
 /// does.
 #pragma once
 
-#include <QStringView>
+#include "cleanup/Draft.h"
+
 #include <QVarLengthArray>
 
 namespace velorin {
@@ -16,6 +17,6 @@ struct CorrectionCue {
 using CorrectionCues = QVarLengthArray<CorrectionCue, 32>;
 
 /// From left to right, none overlapping.
-[[nodiscard]] CorrectionCues correctionCuesIn(QStringView text);
+[[nodiscard]] CorrectionCues correctionCuesIn(Draft& draft);
 
 } // namespace velorin

@@ -254,8 +254,10 @@ bool isBehindPunctuation(const CorrectedText& text, qsizetype position) {
 
 } // namespace
 
-bool applyCorrections(Draft& draft) {
-    const CorrectionCues cues = correctionCuesIn(draft.text());
+void applyCorrections(Draft& draft) {
+    if (!draft.concerns(Lexicon::corrections))
+        return;
+    const CorrectionCues cues = correctionCuesIn(draft);
     CorrectedText text(draft.text());
     bool hasChanged = false;
     for (auto cue = cues.rbegin(); cue != cues.rend(); ++cue) {
@@ -268,7 +270,6 @@ bool applyCorrections(Draft& draft) {
     }
     if (hasChanged)
         draft.string() = text.toString();
-    return hasChanged;
 }
 
 } // namespace velorin::RuleCleaner

@@ -44,7 +44,7 @@ qsizetype endOfFiller(QStringView text, qsizetype fillerEnd) {
 void removeFillerWords(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
+    for (const Run& run : draft.triggers().runs) {
         if (!isFiller(run.key) || !Letters::isWordBoundary(text, run.start) ||
             !Letters::isWordBoundary(text, run.end))
             continue;
@@ -66,10 +66,10 @@ qsizetype endOfLike(QStringView text, Run run) {
 }
 
 /// Only between two commas, so that "like" as an ordinary word stays.
-bool removeLikes(Draft& draft) {
+void removeLikes(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
+    for (const Run& run : draft.triggers().runs) {
         const qsizetype end = endOfLike(text, run);
         if (end == 0 || run.start < limit)
             continue;
@@ -80,15 +80,16 @@ bool removeLikes(Draft& draft) {
         limit = comma + 1;
         draft.replace(start - 1, limit, u"");
     }
-    return draft.commit();
+    draft.commit();
 }
 
 } // namespace
 
-bool stripFillers(Draft& draft, Lexicon::Concerns concerns) {
-    if (concerns & Lexicon::fillers)
+void stripFillers(Draft& draft) {
+    if (draft.concerns(Lexicon::fillers))
         removeFillerWords(draft);
-    return (concerns & Lexicon::likeFillers) != 0 && removeLikes(draft);
+    if (draft.concerns(Lexicon::likeFillers))
+        removeLikes(draft);
 }
 
 } // namespace velorin::RuleCleaner

@@ -70,17 +70,15 @@ bool isCommandPunctuation(char16_t unit) {
 
 bool applyCommand(Draft& draft, const Command& command, QStringView written) {
     const QStringView text = draft.text();
-    for (Run run = Letters::nextRun(text, 0); run;) {
-        qsizetype next = run.end;
-        if (beginsWith(command, run.key) && Letters::isWordBoundary(text, run.start)) {
-            if (qsizetype end = endOfWords(text, run, command)) {
-                if (end < text.size() && isCommandPunctuation(text[end].unicode()))
-                    ++end;
-                draft.replace(run.start, end, written);
-                next = end;
-            }
-        }
-        run = Letters::nextRun(text, next);
+    qsizetype limit = 0;
+    for (const Run& run : draft.triggers().runs) {
+        if (!beginsWith(command, run.key) || run.start < limit || !Letters::isWordBoundary(text, run.start))
+            continue;
+        const qsizetype end = endOfWords(text, run, command);
+        if (end == 0)
+            continue;
+        limit = end < text.size() && isCommandPunctuation(text[end].unicode()) ? end + 1 : end;
+        draft.replace(run.start, limit, written);
     }
     return draft.commit();
 }
@@ -159,10 +157,10 @@ qsizetype nextLineEnd(QStringView text, qsizetype position) {
 
 } // namespace
 
-bool applyLayoutCommands(Draft& draft, Lexicon::Concerns concerns) {
+bool applyLayoutCommands(Draft& draft) {
     bool hasChanged = false;
     for (std::size_t row = 0; row < commands.size(); ++row) {
-        if (concerns & commands[row].concern)
+        if (draft.concerns(commands[row].concern))
             hasChanged |= applyCommand(draft, commands[row], Tables::layoutCommands[row].written);
     }
     return hasChanged;

@@ -71,6 +71,8 @@ bool endsInWord(QStringView text, qsizetype position) {
     return false;
 }
 
+bool mayBeginForeignFiller(char16_t unit) { return unit == u'उ' || unit == u'え'; }
+
 /// A filler in a script without case, as far as the scan knows: whole words are told later.
 qsizetype foreignFillerAt(QStringView text, qsizetype position) {
     for (const QStringView filler : {QStringView(u"उम"), QStringView(u"えーと"), QStringView(u"えっと")}) {
@@ -96,8 +98,17 @@ Run runAt(QStringView text, qsizetype position) {
             break;
     }
     // The first letter of a word that is too long has been pushed out of the key, or will be in its way.
-    const bool isKeyed = unit - begin - position <= longestKeyedWord && key < WordKey{1} << 5 * longestKeyedWord;
+    const bool isKeyed = unit - begin - position <= longestKeyedWord && key < WordKey{1}
+                                                                                  << 5 * longestKeyedWord;
     return {position, unit - begin, isKeyed ? key : 0};
+}
+
+Run runBefore(QStringView text, qsizetype position, qsizetype limit) {
+    qsizetype start = position;
+    while (start > limit &&
+           (isPlainLetter(text[start - 1].unicode()) || isLigatureOfST(text[start - 1].unicode())))
+        --start;
+    return runAt(text.first(position), start);
 }
 
 Run nextRun(QStringView text, qsizetype position) {

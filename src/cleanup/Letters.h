@@ -13,9 +13,6 @@
 
 namespace velorin::Letters {
 
-/// Whether a filler in a script without case may begin with the unit.
-[[nodiscard]] constexpr bool mayBeginForeignFiller(char16_t unit) { return unit == u'उ' || unit == u'え'; }
-
 /// The key of the fillers that are written in a script of their own; no word has it.
 inline constexpr WordKey foreignFiller = ~WordKey{0};
 
@@ -33,6 +30,9 @@ struct Run {
 
 /// The run that starts exactly here. Empty if there is no letter.
 [[nodiscard]] Run runAt(QStringView text, qsizetype position);
+
+/// The run that ends exactly here, as far as it does not begin before the limit.
+[[nodiscard]] Run runBefore(QStringView text, qsizetype position, qsizetype limit);
 
 inline constexpr char16_t longS = 0x17F;
 inline constexpr char16_t kelvinSign = 0x212A;

@@ -1,13 +1,16 @@
-/// Tells from the words of a text which passes can act on it at all.
+/// Tells from the words of a text which passes can act on it at all, and where.
 ///
 /// No pass of the cleanup can find anything without one word of a small vocabulary (or a punctuation mark,
-/// which the passes concerned look for themselves). One walk over the words gathers whom they concern;
-/// stages that nobody called for are left out.
+/// which the passes concerned look for themselves). One walk over the text lists these words and gathers whom
+/// they concern; passes that nobody called for are left out, the others go through the list.
 #pragma once
 
 #include "cleanup/Letters.h"
 
+#include <QString>
+
 #include <cstdint>
+#include <vector>
 
 namespace velorin::Lexicon {
 
@@ -27,14 +30,22 @@ enum Concern : Concerns {
     lineCommands = 1U << 9,
     newlineCommands = 1U << 10,
     bulletCommands = 1U << 11,
+    /// Concerns a pass only beside another word that does, but is looked for as well.
+    beginnings = 1U << 12,
 };
 
 inline constexpr Concerns layoutCommands =
     paragraphCommands | lineCommands | newlineCommands | bulletCommands;
 
-/// Whom a word concerns.
-[[nodiscard]] Concerns concernsOf(WordKey key);
-/// Whom the words of a text concern.
-[[nodiscard]] Concerns concernsOf(QStringView text);
+struct Triggers {
+    std::vector<Letters::Run> runs;
+    Concerns concerns = 0;
+};
+
+/// Reads the words of the text anew.
+void read(QStringView text, Triggers& triggers);
+
+/// Splits at white space and joins with single spaces, and reads the words on the way.
+[[nodiscard]] QString collapse(QStringView raw, Triggers& triggers);
 
 } // namespace velorin::Lexicon

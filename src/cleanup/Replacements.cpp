@@ -27,10 +27,10 @@ const ReplacementTable& tableOf(std::span<const WordReplacement> replacements) {
 
 } // namespace
 
-bool applyReplacements(Draft& draft, std::span<const WordReplacement> replacements) {
+void applyReplacements(Draft& draft, std::span<const WordReplacement> replacements) {
     const ReplacementTable& table = tableOf(replacements);
     if (table.isEmpty())
-        return false;
+        return;
     const QStringView text = draft.text();
     for (qsizetype position = 0; position < text.size();) {
         const qsizetype end = table.matchAt(text, position);
@@ -42,7 +42,7 @@ bool applyReplacements(Draft& draft, std::span<const WordReplacement> replacemen
             draft.replace(position, end, table.writtenFor(text.sliced(position, end - position)));
         position = end;
     }
-    return draft.commit();
+    draft.commit();
 }
 
 } // namespace velorin::RuleCleaner

@@ -9,8 +9,6 @@ namespace velorin::RuleCleaner {
 
 namespace {
 
-constexpr Lexicon::Concerns everything = ~Lexicon::Concerns{0};
-
 /// Runs one stage by itself on a text.
 template <typename Stage>
 QString staged(QStringView text, Stage stage) {
@@ -23,18 +21,15 @@ QString staged(QStringView text, Stage stage) {
 
 QString clean(QStringView raw, std::span<const WordReplacement> replacements, ContextProfile profile) {
     const bool wasPunctuated = endsPunctuated(raw);
-    QString collapsed;
-    Lexicon::Concerns concerns = collapse(raw, collapsed);
-    Draft draft(std::move(collapsed));
-    spokenPunctuation(draft, profile, concerns);
-    if (stripFillers(draft, concerns))
-        concerns = Lexicon::concernsOf(draft.text());
-    bool hasNewWords = (concerns & Lexicon::corrections) != 0 && applyCorrections(draft);
-    hasNewWords |= applyReplacements(draft, replacements);
+    Lexicon::Triggers triggers;
+    QString collapsed = Lexicon::collapse(raw, triggers);
+    Draft draft(std::move(collapsed), std::move(triggers));
+    spokenPunctuation(draft, profile);
+    stripFillers(draft);
+    applyCorrections(draft);
+    applyReplacements(draft, replacements);
     tidy(draft, wasPunctuated, profile);
-    if (hasNewWords)
-        concerns = Lexicon::concernsOf(draft.text());
-    if ((concerns & Lexicon::layoutCommands) && applyLayoutCommands(draft, concerns))
+    if (applyLayoutCommands(draft))
         normalizeLayout(draft, capitalizesSentences(profile));
     return draft.take();
 }
@@ -45,9 +40,7 @@ QString applyReplacements(QStringView text, std::span<const WordReplacement> rep
 
 LayoutResult applyLayoutCommands(QStringView text) {
     LayoutResult result;
-    result.text = staged(text, [&](Draft& draft) {
-        result.hasChanged = applyLayoutCommands(draft, Lexicon::concernsOf(text));
-    });
+    result.text = staged(text, [&](Draft& draft) { result.hasChanged = applyLayoutCommands(draft); });
     return result;
 }
 
@@ -59,37 +52,8 @@ bool endsPunctuated(QStringView text) {
     return Tables::contains(Tables::finishedEndings, Graphemes::last(text));
 }
 
-Lexicon::Concerns collapse(QStringView raw, QString& collapsed) {
-    Lexicon::Concerns concerns = 0;
-    collapsed.resize(raw.size());
-    QChar* end = collapsed.data();
-    QChar* const begin = end;
-    for (qsizetype i = 0; i < raw.size();) {
-        if (WhiteSpace::isWhitespaceOrNewline(raw[i].unicode())) {
-            ++i;
-            continue;
-        }
-        if (end != begin)
-            *end++ = u' ';
-        while (i < raw.size() && !WhiteSpace::isWhitespaceOrNewline(raw[i].unicode())) {
-            const Letters::Run run = Letters::runAt(raw, i);
-            if (run) {
-                concerns |= Lexicon::concernsOf(run.key);
-                end = std::copy(raw.begin() + run.start, raw.begin() + run.end, end);
-                i = run.end;
-            } else {
-                if (Letters::mayBeginForeignFiller(raw[i].unicode()))
-                    concerns |= Lexicon::fillers;
-                *end++ = raw[i++];
-            }
-        }
-    }
-    collapsed.resize(end - begin);
-    return concerns;
-}
-
 QString spokenPunctuation(const QString& text, ContextProfile profile) {
-    return staged(text, [&](Draft& draft) { spokenPunctuation(draft, profile, everything); });
+    return staged(text, [&](Draft& draft) { spokenPunctuation(draft, profile); });
 }
 
 QString commandFlags(const QString& text) {
@@ -101,7 +65,7 @@ QString applyCodeSymbols(const QString& text) {
 }
 
 QString stripFillers(const QString& text) {
-    return staged(text, [](Draft& draft) { stripFillers(draft, everything); });
+    return staged(text, [](Draft& draft) { stripFillers(draft); });
 }
 
 QString applyCorrections(const QString& text) {

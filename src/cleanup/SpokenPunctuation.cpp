@@ -22,6 +22,9 @@ bool beginsLongFlag(WordKey key) {
     return key == wordKey(u"dash") || key == wordKey(u"double") || key == wordKey(u"hyphen");
 }
 
+/// What stands between the two words for dashes.
+bool isFlagJoint(QChar c) { return c == u' ' || c == u'-'; }
+
 qsizetype endOfFlagName(QStringView text, qsizetype position) {
     while (position < text.size() && (Letters::isPlainAlphanumeric(text[position].unicode()) ||
                                       text[position] == u'_' || text[position] == u'-'))
@@ -32,13 +35,12 @@ qsizetype endOfFlagName(QStringView text, qsizetype position) {
 /// "dash dash amend" becomes "--amend".
 void joinLongFlags(Draft& draft) {
     const QStringView text = draft.text();
-    Run first;
     qsizetype limit = 0;
-    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
-        const Run before = std::exchange(first, run);
-        if (run.key != wordKey(u"dash") || !beginsLongFlag(before.key) || before.start < limit ||
-            before.end + 1 != run.start || (text[before.end] != u' ' && text[before.end] != u'-') ||
-            !Letters::isWordBoundary(text, before.start))
+    for (const Run& run : draft.triggers().runs) {
+        if (run.key != wordKey(u"dash") || run.start <= limit || !isFlagJoint(text[run.start - 1]))
+            continue;
+        const Run before = Letters::runBefore(text, run.start - 1, limit);
+        if (!beginsLongFlag(before.key) || !Letters::isWordBoundary(text, before.start))
             continue;
         const qsizetype name = Letters::skipSpaces(text, run.end);
         if (name == run.end || name == text.size() || !Letters::isPlainAlphanumeric(text[name].unicode()))
@@ -126,7 +128,7 @@ void write(Draft& draft, const Join& join) {
 bool joinSeparatorsOnce(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end)) {
+    for (const Run& run : draft.triggers().runs) {
         if (!isSeparator(run.key) || run.start < limit)
             continue;
         const std::optional<Join> join = joinAround(text, run, limit);
@@ -148,18 +150,17 @@ void joinSeparators(Draft& draft) {
 
 } // namespace
 
-void spokenPunctuation(Draft& draft, ContextProfile profile, Lexicon::Concerns concerns) {
-    using namespace Lexicon;
-    if (profile == ContextProfile::email && (concerns & addressAt) && (concerns & addressDot))
+void spokenPunctuation(Draft& draft, ContextProfile profile) {
+    if (profile == ContextProfile::email && draft.concerns(Lexicon::addressAt) &&
+        draft.concerns(Lexicon::addressDot))
         joinAddresses(draft);
-    if (concerns & longFlags)
+    if (draft.concerns(Lexicon::longFlags))
         joinLongFlags(draft);
     if (usesCodeSymbols(profile)) {
         commandFlags(draft);
-        if (concerns & codeSymbols)
-            applyCodeSymbols(draft);
+        applyCodeSymbols(draft);
     }
-    if (concerns & separators)
+    if (draft.concerns(Lexicon::separators))
         joinSeparators(draft);
 }
 

@@ -65,10 +65,12 @@ void mergeCommas(QString& text) {
     text.resize(size);
 }
 
-void dropLeadingSeparators(QString& text) {
-    const auto end =
-        std::ranges::find_if_not(std::as_const(text), [](QChar c) { return isOneOf(c.unicode(), u",;: "); });
-    text.remove(0, end - text.cbegin());
+void dropLeadingSeparators(Draft& draft) {
+    const QStringView text = draft.text();
+    const auto* const end =
+        std::ranges::find_if_not(text, [](QChar c) { return isOneOf(c.unicode(), u",;: "); });
+    if (end != text.begin())
+        draft.string().remove(0, end - text.begin());
 }
 
 /// What there is to do about the spacing of punctuation.
@@ -93,13 +95,13 @@ Untidiness untidinessOf(QStringView text) {
     return found;
 }
 
-void spacePunctuation(QString& text) {
-    const Untidiness found = untidinessOf(text);
+void spacePunctuation(Draft& draft) {
+    const Untidiness found = untidinessOf(draft.text());
     if (found.spaces)
-        dropSpaces(text, isTightBehind, isTightBefore);
+        dropSpaces(draft.string(), isTightBehind, isTightBefore);
     if (found.spaces || found.commas)
-        mergeCommas(text);
-    dropLeadingSeparators(text);
+        mergeCommas(draft.string());
+    dropLeadingSeparators(draft);
 }
 
 /// The operator that is written at the position, the longer ones first; empty if there is none.
@@ -132,11 +134,8 @@ void spaceOperators(Draft& draft) {
 
 /// As collapse() does: nothing but spaces can stand side by side or at the ends here.
 void collapseIfNeeded(Draft& draft) {
-    if (isCollapsed(draft.text()))
-        return;
-    QString collapsed;
-    collapse(draft.text(), collapsed);
-    draft.string().swap(collapsed);
+    if (!draft.isCollapsed() && !isCollapsed(draft.text()))
+        draft.string() = WhiteSpace::collapsed(draft.text());
 }
 
 void spaceCode(Draft& draft) {
@@ -145,32 +144,38 @@ void spaceCode(Draft& draft) {
     collapseIfNeeded(draft);
 }
 
-void dropFinalPeriod(QString& text) {
-    if (!text.endsWith(u'.'))
+void dropFinalPeriod(Draft& draft) {
+    const QStringView text = draft.text();
+    if (text.endsWith(u'.'))
+        draft.truncate(Letters::skipSpacesBack(text, text.size() - 1, 0));
+}
+
+void capitalizeHead(Draft& draft) {
+    const QStringView head = Graphemes::first(draft.text());
+    if (!CaseMapping::isLower(head))
         return;
-    text.truncate(Letters::skipSpacesBack(text, text.size() - 1, 0));
+    const QString upper = CaseMapping::upper(head);
+    if (head.size() == 1 && head.front().unicode() < 0x80) {
+        draft.overwrite(0, upper.front());
+    } else {
+        draft.replace(0, head.size(), upper);
+        draft.commit();
+    }
 }
 
 } // namespace
 
-void capitalizeHead(QString& text) {
-    const QStringView head = Graphemes::first(text);
-    if (CaseMapping::isLower(head))
-        text.replace(0, head.size(), CaseMapping::upper(head));
-}
-
 void tidy(Draft& draft, bool wasPunctuated, ContextProfile profile) {
     collapseIfNeeded(draft);
-    spacePunctuation(draft.string());
+    spacePunctuation(draft);
     if (usesCodeSymbols(profile))
         spaceCode(draft);
-    QString& text = draft.string();
     if (capitalizesSentences(profile))
-        capitalizeHead(text);
+        capitalizeHead(draft);
     if (!addsTerminalPunctuation(profile))
-        dropFinalPeriod(text);
-    else if (wasPunctuated && !text.isEmpty() && !endsPunctuated(text))
-        text.append(u'.');
+        dropFinalPeriod(draft);
+    else if (wasPunctuated && !draft.text().isEmpty() && !endsPunctuated(draft.text()))
+        draft.append(u'.');
 }
 
 } // namespace velorin::RuleCleaner

@@ -1,6 +1,6 @@
-// velorin-proof [RANDOM TEXTS]: the whole proof that the cleanup agrees with its reference. All pairs and
-// triples of the vocabulary in all profiles, then random texts (ten million unless told otherwise), on all
-// processors.
+// velorin-proof [RANDOM TEXTS]: the whole proof that the cleanup agrees with its reference, on all processors.
+// All pairs of the vocabulary in all profiles, random texts (ten million unless told otherwise), all triples, then
+// large hostile texts.
 #include "Agreement.h"
 #include "HostileTexts.h"
 #include "Vocabulary.h"
@@ -15,12 +15,15 @@
 #include <thread>
 
 namespace velorin::agreement {
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 class Proof final {
 public:
     /// Runs `check` for all numbers below the count, in parallel, and prints how it went.
-    void run(const char* name, std::size_t count, const std::function<void(std::size_t)>& check) {
+    void run(const QString& name, std::size_t count, const std::function<void(std::size_t)>& check) {
         const auto start = std::chrono::steady_clock::now();
         std::atomic<std::size_t> next = 0;
         const std::size_t batch = std::clamp<std::size_t>(count / 1000, 1, 256);
@@ -35,8 +38,8 @@ public:
             threads.emplace_back(work);
         threads.clear();
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-        std::printf("%s: %zu texts, %zu compared, %zu differences, %.0f s\n", name, count,
-                    compared_.exchange(0), differences_.load(), took.count());
+        std::printf("%s: %zu texts, %zu compared, %zu differences, %.0f s\n", name.toLatin1().constData(),
+                    count, compared_.exchange(0), differences_.load(), took.count());
         std::fflush(stdout);
     }
 
@@ -63,18 +66,23 @@ private:
     std::mutex printing_;
 };
 
-/// Large hostile texts; smaller ones where the plain way would take hours.
+bool isEndless(QStringView name) { return name == u"one-word"; }
+
+/// Hostile texts of 100 kB, in the two profiles that differ most; smaller ones where the plain way takes
+/// longer than a minute.
 void proveHostile(Proof& proof) {
-    constexpr qsizetype whole = 100'000;
-    constexpr qsizetype part = 5'000;
-    const auto large = hostileTexts(whole);
-    const auto small = hostileTexts(part);
-    const auto profiles = allContextProfiles.size();
-    proof.run("hostile texts", large.size() * profiles, [&](std::size_t i) {
-        const bool isEndless = large[i / profiles].name == QStringView(u"one-word");
-        const QString& text = (isEndless ? small : large)[i / profiles].text;
-        proof.compare({text, allContextProfiles[i % profiles], {}});
-    });
+    constexpr qsizetype large = 100'000;
+    constexpr qsizetype small = 5'000;
+    const auto smallTexts = hostileTexts(small);
+    const auto largeTexts = hostileTexts(large);
+    for (std::size_t i = 0; i < largeTexts.size(); ++i) {
+        const auto& [name, text] = isEndless(largeTexts[i].name) ? smallTexts[i] : largeTexts[i];
+        constexpr std::array profiles{ContextProfile::generic, ContextProfile::code};
+        proof.run(u"hostile: %1, %2 units"_s.arg(name).arg(text.size()), profiles.size(),
+                  [&](std::size_t each) {
+                      proof.compare({text, profiles[each], {}});
+                  });
+    }
 }
 
 void proveAll(Proof& proof, std::size_t randomTexts) {
@@ -84,23 +92,23 @@ void proveAll(Proof& proof, std::size_t randomTexts) {
         for (const ContextProfile profile : allContextProfiles)
             proof.compare({text, profile, {}});
     };
-    proof.run("pairs", size * size, [&](std::size_t i) {
+    proof.run(u"pairs"_s, size * size, [&](std::size_t i) {
         const QString text = QString(pieces[i / size]).append(pieces[i % size]);
         compareInAllProfiles(text);
         proof.compareStages({text, ContextProfile::code, {}});
     });
-    proveHostile(proof);
-    proof.run("random texts", randomTexts, [&](std::size_t i) {
+    proof.run(u"random texts"_s, randomTexts, [&](std::size_t i) {
         std::mt19937_64 random(i);
         const Input input = randomInput(random);
         proof.compare(input);
         if (i % 8 == 0)
             proof.compareStages(input);
     });
-    proof.run("triples", size * size * size, [&](std::size_t i) {
+    proof.run(u"triples"_s, size * size * size, [&](std::size_t i) {
         compareInAllProfiles(
             QString(pieces[i / size / size]).append(pieces[i / size % size]).append(pieces[i % size]));
     });
+    proveHostile(proof);
 }
 
 } // namespace
