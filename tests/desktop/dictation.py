@@ -11,6 +11,7 @@ from sentences import Sentence
 from user import Speech, User
 
 HOLD = "Control_R"  # stands in for Fn
+BREATH_SECONDS = 0.2  # between the key and the first word
 _CALL_MILLISECONDS = 2000
 
 
@@ -48,9 +49,10 @@ class Speaker:
     def hold(self, sentence: Sentence, pause: float = 0) -> float:
         """Holds the key while the sentence is spoken; returns when the key came up (monotonic seconds)."""
         said = len(self.velorin.lines)
-        self.user.press(HOLD)
+        pressed = self.user.press(HOLD)
         try:
-            # People speak as soon as the key is down; they do not wait for the program.
+            # People do not wait for the program, but neither does the first word come with the key itself.
+            self.rest_until(pressed + BREATH_SECONDS)
             with Speech(sentence.file) as speech:
                 heard = speech.wait_until_heard()
             self.rest_until(heard + pause)
