@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/StreamingTranscriber.h"
 
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 
 namespace velorin {
@@ -8,6 +9,7 @@ namespace velorin {
 namespace {
 
 constexpr std::size_t frameSamples = VoiceActivity::frameSamples;
+constexpr std::chrono::milliseconds frameTime{32};
 
 float energy(std::span<const float> samples) {
     return std::transform_reduce(samples.begin(), samples.end(), 0.0F, std::plus<>(),
@@ -73,7 +75,10 @@ bool StreamingTranscriber::decodeIfDue() {
     if (speechFrames_ < rules_.leastSpeech || decodedFrames_ == isSpeech_.size())
         return false;
     const bool isPausing = pause_ >= rules_.pauseToDecode;
-    if (!isPausing && newSpeech_ < rules_.newSpeechToDecode)
+    // Half of the time is left free: whoever lets go of the key waits for a decode that has begun.
+    const std::size_t enough =
+        std::clamp(2 * framesOfADecode_, rules_.newSpeechToDecode, rules_.mostNewSpeechToDecode);
+    if (!isPausing && newSpeech_ < enough)
         return false;
     give(decoded(isSpeech_.size()), false);
     return true;
@@ -134,7 +139,9 @@ void StreamingTranscriber::endWindow(std::size_t frames) {
 /// The text of the first frames of the window, which may be known already.
 const std::string& StreamingTranscriber::decoded(std::size_t frames) {
     if (frames != decodedFrames_) {
+        const auto begin = std::chrono::steady_clock::now();
         decodedText_ = decoder_.decode(std::span<const float>(window_).first(frames * frameSamples));
+        framesOfADecode_ = static_cast<std::size_t>((std::chrono::steady_clock::now() - begin) / frameTime);
         decodedFrames_ = frames;
         newSpeech_ = 0;
     }

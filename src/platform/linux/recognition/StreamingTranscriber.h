@@ -33,6 +33,8 @@ struct StreamingRules {
     std::size_t most = 375;        ///< A window this long ends at its longest pause …
     std::size_t lookBack = 94;     ///< … of this many last frames.
     std::size_t newSpeechToDecode = 10;
+    /// A slow machine decodes less often: as much speech as two decodes take, but not more than this.
+    std::size_t mostNewSpeechToDecode = 31;
     std::size_t leastSpeech = 3; ///< Less speech than this is a noise.
     /// Whether words are parted by spaces: then every result after the first final one begins with one.
     bool isSpaced = true;
@@ -82,6 +84,7 @@ private:
     std::size_t speechFrames_ = 0;
     std::size_t newSpeech_ = 0; ///< Frames of speech since the last decode.
     std::size_t decodedFrames_ = 0;
+    std::size_t framesOfADecode_ = 0; ///< How long the last decode took.
     std::string decodedText_;
     std::string volatileText_;
     bool hasGivenFinal_ = false;
