@@ -7,6 +7,7 @@
 #include "speech/AudioLevel.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <benchmark/benchmark.h>
 
