@@ -62,7 +62,8 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     QApplication::setQuitOnLastWindowClosed(false);
     const TerminationSignals terminationSignals;
 
-    SingleInstance instance([] { tell(QCoreApplication::translate("Program", "was started again; one is enough.")); });
+    SingleInstance instance(
+        [] { tell(QCoreApplication::translate("Program", "was started again; one is enough.")); });
     if (instance.claim() == SingleInstance::Claim::another) {
         tell(QCoreApplication::translate("Program", "is already running."));
         return 0;
@@ -70,9 +71,9 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     Adapters adapters(clock, [&instance] { instance.giveUp(); });
     const Diagnostics diagnostics(adapters.platform().marks);
     NoOverlay hud;
-    AppModel model(adapters.platform(), {.finishing = std::make_unique<NoAI>(),
-                                         .selection = std::make_unique<NoSelection>(),
-                                         .hud = hud});
+    AppModel model(
+        adapters.platform(),
+        {.finishing = std::make_unique<NoAI>(), .selection = std::make_unique<NoSelection>(), .hud = hud});
     reportErrors(model);
     const TrayMenu tray(model);
     return QApplication::exec();

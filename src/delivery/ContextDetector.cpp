@@ -12,15 +12,9 @@ namespace velorin::ContextDetector {
 namespace {
 
 constexpr std::array<QStringView, 9> terminalIDs{
-    u"com.apple.Terminal",
-    u"com.googlecode.iterm2",
-    u"dev.warp.Warp-Stable",
-    u"com.mitchellh.ghostty",
-    u"com.github.wez.wezterm",
-    u"net.kovidgoyal.kitty",
-    u"org.alacritty",
-    u"co.zeit.hyper",
-    u"org.tabby",
+    u"com.apple.Terminal",    u"com.googlecode.iterm2",  u"dev.warp.Warp-Stable",
+    u"com.mitchellh.ghostty", u"com.github.wez.wezterm", u"net.kovidgoyal.kitty",
+    u"org.alacritty",         u"co.zeit.hyper",          u"org.tabby",
 };
 
 constexpr std::array<QStringView, 12> codeIDs{
@@ -50,67 +44,32 @@ constexpr std::array<QStringView, 5> emailIDs{
 };
 
 constexpr std::array<QStringView, 8> chatIDs{
-    u"com.tinyspeck.slackmacgap",
-    u"com.hnc.Discord",
-    u"com.apple.MobileSMS",
-    u"net.whatsapp.WhatsApp",
-    u"org.telegram.desktop",
-    u"ru.keepcoder.Telegram",
-    u"com.microsoft.teams2",
-    u"com.microsoft.teams",
+    u"com.tinyspeck.slackmacgap", u"com.hnc.Discord",       u"com.apple.MobileSMS",  u"net.whatsapp.WhatsApp",
+    u"org.telegram.desktop",      u"ru.keepcoder.Telegram", u"com.microsoft.teams2", u"com.microsoft.teams",
 };
 
 constexpr std::array<QStringView, 9> documentIDs{
-    u"com.apple.Notes",
-    u"notion.id",
-    u"md.obsidian",
-    u"com.apple.TextEdit",
-    u"com.apple.iWork.Pages",
-    u"com.microsoft.Word",
-    u"net.shinyfrog.bear",
-    u"com.apple.iWork.Keynote",
+    u"com.apple.Notes",         u"notion.id",          u"md.obsidian",        u"com.apple.TextEdit",
+    u"com.apple.iWork.Pages",   u"com.microsoft.Word", u"net.shinyfrog.bear", u"com.apple.iWork.Keynote",
     u"com.apple.iWork.Numbers",
 };
 
 constexpr std::array<QStringView, 8> browserPrefixes{
-    u"com.google.Chrome",
-    u"com.apple.Safari",
-    u"org.mozilla.firefox",
-    u"com.microsoft.edgemac",
-    u"company.thebrowser.Browser",
-    u"com.brave.Browser",
-    u"com.vivaldi.Vivaldi",
-    u"com.operasoftware.Opera",
+    u"com.google.Chrome",          u"com.apple.Safari",  u"org.mozilla.firefox", u"com.microsoft.edgemac",
+    u"company.thebrowser.Browser", u"com.brave.Browser", u"com.vivaldi.Vivaldi", u"com.operasoftware.Opera",
 };
 
 constexpr std::array<QStringView, 8> emailKeywords{
-    u"gmail",
-    u"outlook",
-    u" - mail",
-    u"protonmail",
-    u"proton mail",
-    u"yahoo mail",
-    u"zoho mail",
-    u"superhuman",
+    u"gmail",       u"outlook",    u" - mail",   u"protonmail",
+    u"proton mail", u"yahoo mail", u"zoho mail", u"superhuman",
 };
 
 constexpr std::array<QStringView, 6> chatKeywords{
-    u"slack",
-    u"discord",
-    u"whatsapp",
-    u"telegram",
-    u"teams",
-    u"messenger",
+    u"slack", u"discord", u"whatsapp", u"telegram", u"teams", u"messenger",
 };
 
 constexpr std::array<QStringView, 7> documentKeywords{
-    u"google docs",
-    u"google sheets",
-    u"google slides",
-    u"notion",
-    u"confluence",
-    u"coda",
-    u"quip",
+    u"google docs", u"google sheets", u"google slides", u"notion", u"confluence", u"coda", u"quip",
 };
 
 bool isIn(std::span<const QStringView> identifiers, QStringView bundleID) {

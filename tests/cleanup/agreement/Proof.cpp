@@ -1,6 +1,6 @@
-// velorin-proof [RANDOM TEXTS]: the whole proof that the cleanup agrees with its reference, on all processors.
-// All pairs of the vocabulary in all profiles, random texts (ten million unless told otherwise), all triples, then
-// large hostile texts.
+// velorin-proof [RANDOM TEXTS]: the whole proof that the cleanup agrees with its reference, on all
+// processors. All pairs of the vocabulary in all profiles, random texts (ten million unless told otherwise),
+// all triples, then large hostile texts.
 #include "Agreement.h"
 #include "HostileTexts.h"
 #include "Vocabulary.h"
