@@ -23,7 +23,8 @@ enum class Set {
 [[nodiscard]] constexpr bool isWhitespace(char32_t c) {
     if (c < 0x80)
         return c == U' ' || c == U'\t';
-    return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F || c == 0x3000;
+    return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F ||
+           c == 0x3000;
 }
 
 [[nodiscard]] constexpr bool isWhitespaceOrNewline(char32_t c) {
