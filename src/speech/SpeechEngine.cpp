@@ -3,6 +3,7 @@
 #include "platform/Log.h"
 #include "speech/AudioConversion.h"
 #include "speech/AudioLevel.h"
+#include "text/WhiteSpace.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -39,8 +40,9 @@ private:
 QStringList cleaned(const QStringList& strings) {
     QStringList kept;
     for (const QString& string : strings)
-        if (const QString trimmed = string.trimmed(); !trimmed.isEmpty())
-            kept.append(trimmed);
+        if (const auto trimmed = WhiteSpace::trimmed(string, WhiteSpace::Set::whitespacesAndNewlines);
+            !trimmed.isEmpty())
+            kept.append(trimmed.toString());
     return kept;
 }
 

@@ -216,7 +216,9 @@ std::vector<ContextWords::Word> ContextWords::wordsOf(const std::string& text) c
         std::transform(whole.begin(), whole.end(), whole.begin(), lower);
         const std::string letters = lettersOf(isPossessive ? word.substr(0, word.size() - 2) : word);
         const Grade grade = std::min(ordinary_->gradeOf(whole), ordinary_->gradeOf(letters));
-        words.push_back({begin, end, letters, grade, isPossessive, isInAddress(text, begin, end)});
+        const bool isEntry = std::any_of(entries_.begin(), entries_.end(),
+                                         [&](const Entry& entry) { return entry.letters == letters; });
+        words.push_back({begin, end, letters, grade, isPossessive, isInAddress(text, begin, end), isEntry});
         begin = end;
     }
     return words;
@@ -243,7 +245,7 @@ std::vector<ContextWords::Match> ContextWords::matchesIn(const std::string& text
 bool ContextWords::isNear(const Run& run, const Entry& entry, std::size_t apart) {
     // The same letters: another way of writing it, "terraform" or "post gre sql".
     if (apart == 0)
-        return run.words > 1 || run.rarest == Grade::unknown;
+        return run.words > 1 || run.rarest != Grade::common;
     // Common words in a row are meant as they are; a rare one among them may have been misheard.
     if (run.rarest == Grade::common || (run.rarest == Grade::known && run.words == 1))
         return false;

@@ -76,6 +76,7 @@ private:
         Grade grade;
         bool isPossessive; ///< Ends in "'s", which is not among the letters.
         bool isAddress;    ///< Part of a file name, an address and the like.
+        bool isEntry;
     };
 
     struct Run {

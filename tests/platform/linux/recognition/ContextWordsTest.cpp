@@ -47,6 +47,11 @@ TEST_F(ContextWordsTest, TakesNoNeighbourWithIt) {
     EXPECT_EQ(correct("the report by Anthropic", {"Anthropic"}), "the report by Anthropic");
 }
 
+TEST_F(ContextWordsTest, AddsNothingToWhatIsAnEntryAlready) {
+    EXPECT_EQ(correct("a book by Tolkien in the train", {"Tolkien"}), "a book by Tolkien in the train");
+    EXPECT_EQ(correct("in the gazebo simulator", {"Gazebo"}), "in the Gazebo simulator");
+}
+
 TEST_F(ContextWordsTest, KeepsWhatStandsAroundAWord) {
     EXPECT_EQ(correct("Quaracus's page (Quaracus).", {"Quarkus"}), "Quarkus's page (Quarkus).");
     EXPECT_EQ(correct("Kebur, needs", {"Kubernetes"}), "Kebur, needs");
