@@ -3,6 +3,7 @@
 #include "Suites.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -10,6 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
+    // What a model under test logs is not what the cases ask for.
+    QLoggingCategory::setFilterRules(u"dev.orrin.velorin.*=false"_s);
     velorin::vectors::RunOptions options;
     options.folders = QCoreApplication::arguments().mid(1);
     options.usesReference = options.folders.removeAll(u"--reference"_s) > 0;
