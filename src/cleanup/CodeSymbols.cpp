@@ -140,12 +140,11 @@ void applyCodeSymbols(Draft& draft) {
         return;
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
-        const std::vector<Phrase>* const candidates = phrases.find(run.key);
-        if (!candidates || run.start < limit || !Letters::isFreeBefore(text, run.start) ||
-            !Graphemes::isBoundary(text, run.start))
+    for (const Lexicon::Trigger& run : draft.triggers().words) {
+        if (!run.isFor(Lexicon::codeSymbols) || run.start < limit ||
+            !Letters::isFreeBefore(text, run.start) || !Graphemes::isBoundary(text, run.start))
             continue;
-        for (const Phrase& phrase : *candidates) {
+        for (const Phrase& phrase : *phrases.find(run.key)) {
             const qsizetype end = endOfPhrase(text, run, phrase);
             if (end == 0 || !Graphemes::isBoundary(text, end))
                 continue;

@@ -63,7 +63,7 @@ CorrectionCues correctionCuesIn(Draft& draft) {
     const QStringView text = draft.text();
     CorrectionCues cues;
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
+    for (const Lexicon::Trigger& run : draft.triggers().words) {
         if (run.start < limit)
             continue;
         const auto ends = endsOfCue(text, run);

@@ -1,8 +1,8 @@
 /// The text on its way through the stages: each replaces some ranges of it, from left to right, then commits.
 ///
-///     for (const Letters::Run& run : draft.triggers().runs) {
-///         if (run.key == wordKey(u"dot"))
-///             draft.replace(run.start, run.end, u".");
+///     for (const Lexicon::Trigger& word : draft.triggers().words) {
+///         if (word.key == wordKey(u"dot"))
+///             draft.replace(word.start, word.end, u".");
 ///     }
 ///     draft.commit();               // text() is the new text from here on, and the triggers are those in it
 ///

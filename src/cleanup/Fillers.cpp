@@ -9,26 +9,6 @@ namespace {
 using Letters::isAt;
 using Letters::Run;
 
-bool isFiller(WordKey key) {
-    switch (key) {
-    case wordKey(u"umm"):
-    case wordKey(u"uhh"):
-    case wordKey(u"mmm"):
-    case wordKey(u"hmm"):
-    case wordKey(u"erm"):
-    case wordKey(u"euh"):
-    case wordKey(u"um"):
-    case wordKey(u"uh"):
-    case wordKey(u"er"):
-    case wordKey(u"ah"):
-    case wordKey(u"eh"):
-    case Letters::foreignFiller:
-        return true;
-    default:
-        return false;
-    }
-}
-
 /// From the comma before the filler, if there is one, on.
 qsizetype startOfFiller(QStringView text, qsizetype filler, qsizetype limit) {
     const qsizetype start = Letters::skipSpacesBack(text, filler, limit);
@@ -44,12 +24,12 @@ qsizetype endOfFiller(QStringView text, qsizetype fillerEnd) {
 void removeFillerWords(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
-        if (!isFiller(run.key) || !Letters::isWordBoundary(text, run.start) ||
-            !Letters::isWordBoundary(text, run.end))
+    for (const Lexicon::Trigger& word : draft.triggers().words) {
+        if (!word.isFor(Lexicon::fillers) || !Letters::isWordBoundary(text, word.start) ||
+            !Letters::isWordBoundary(text, word.end))
             continue;
-        const qsizetype start = startOfFiller(text, run.start, limit);
-        limit = endOfFiller(text, run.end);
+        const qsizetype start = startOfFiller(text, word.start, limit);
+        limit = endOfFiller(text, word.end);
         draft.replace(start, limit, u" ");
     }
     draft.commit();
@@ -69,11 +49,11 @@ qsizetype endOfLike(QStringView text, Run run) {
 void removeLikes(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
-        const qsizetype end = endOfLike(text, run);
-        if (end == 0 || run.start < limit)
+    for (const Lexicon::Trigger& word : draft.triggers().words) {
+        const qsizetype end = endOfLike(text, word);
+        if (end == 0 || word.start < limit)
             continue;
-        const qsizetype start = Letters::skipSpacesBack(text, run.start, limit);
+        const qsizetype start = Letters::skipSpacesBack(text, word.start, limit);
         const qsizetype comma = Letters::skipSpaces(text, end);
         if (start == limit || text[start - 1] != u',' || !isAt(text, comma, u','))
             continue;

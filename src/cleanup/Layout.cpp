@@ -71,7 +71,7 @@ bool isCommandPunctuation(char16_t unit) {
 bool applyCommand(Draft& draft, const Command& command, QStringView written) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
+    for (const Lexicon::Trigger& run : draft.triggers().words) {
         if (!beginsWith(command, run.key) || run.start < limit || !Letters::isWordBoundary(text, run.start))
             continue;
         const qsizetype end = endOfWords(text, run, command);

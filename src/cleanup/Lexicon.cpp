@@ -52,21 +52,21 @@ void add(Run run, const WordMap<Concerns>& map, Triggers& triggers) {
     const Concerns* const concerns = map.find(run.key);
     if (!concerns || *concerns == 0)
         return;
-    triggers.runs.push_back(run);
+    triggers.words.push_back({run, *concerns});
     triggers.concerns |= *concerns;
 }
 
-/// Room for one word in four, more than most texts need.
+/// Room for one word in four: plain prose needs less.
 void reserve(qsizetype size, Triggers& triggers) {
     constexpr qsizetype unitsPerTrigger = 24;
-    triggers.runs.reserve(static_cast<std::size_t>(size / unitsPerTrigger) + 8);
+    triggers.words.reserve(static_cast<std::size_t>(size / unitsPerTrigger) + 8);
 }
 
 } // namespace
 
 void read(QStringView text, Triggers& triggers) {
     const WordMap<Concerns>& map = theVocabulary();
-    triggers.runs.clear();
+    triggers.words.clear();
     triggers.concerns = 0;
     reserve(text.size(), triggers);
     for (Run run = Letters::nextRun(text, 0); run; run = Letters::nextRun(text, run.end))

@@ -37,8 +37,16 @@ enum Concern : Concerns {
 inline constexpr Concerns layoutCommands =
     paragraphCommands | lineCommands | newlineCommands | bulletCommands;
 
+/// A word that some pass looks for.
+struct Trigger : Letters::Run {
+    Concerns concerns = 0;
+
+    [[nodiscard]] bool isFor(Concerns passes) const { return (concerns & passes) != 0; }
+};
+
+/// Those of a text, from left to right, and whom they concern together.
 struct Triggers {
-    std::vector<Letters::Run> runs;
+    std::vector<Trigger> words;
     Concerns concerns = 0;
 };
 

@@ -36,14 +36,14 @@ qsizetype endOfFlagName(QStringView text, qsizetype position) {
 void joinLongFlags(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
-        if (run.key != wordKey(u"dash") || run.start <= limit || !isFlagJoint(text[run.start - 1]))
+    for (const Lexicon::Trigger& word : draft.triggers().words) {
+        if (!word.isFor(Lexicon::longFlags) || word.start <= limit || !isFlagJoint(text[word.start - 1]))
             continue;
-        const Run before = Letters::runBefore(text, run.start - 1, limit);
+        const Run before = Letters::runBefore(text, word.start - 1, limit);
         if (!beginsLongFlag(before.key) || !Letters::isWordBoundary(text, before.start))
             continue;
-        const qsizetype name = Letters::skipSpaces(text, run.end);
-        if (name == run.end || name == text.size() || !Letters::isPlainAlphanumeric(text[name].unicode()))
+        const qsizetype name = Letters::skipSpaces(text, word.end);
+        if (name == word.end || name == text.size() || !Letters::isPlainAlphanumeric(text[name].unicode()))
             continue;
         draft.replace(before.start, name, u"--");
         limit = endOfFlagName(text, name);
@@ -55,11 +55,6 @@ bool isIdentifierHead(char16_t unit) { return Letters::isPlainAlphanumeric(unit)
 
 bool isIdentifierTail(char16_t unit) {
     return isIdentifierHead(unit) || unit == u'.' || unit == u'/' || unit == u'-';
-}
-
-bool isSeparator(WordKey key) {
-    return key == wordKey(u"slash") || key == wordKey(u"underscore") || key == wordKey(u"dot") ||
-           key == wordKey(u"arrow");
 }
 
 /// A spoken separator between two identifiers, all of what one match takes in.
@@ -128,10 +123,10 @@ void write(Draft& draft, const Join& join) {
 bool joinSeparatorsOnce(Draft& draft) {
     const QStringView text = draft.text();
     qsizetype limit = 0;
-    for (const Run& run : draft.triggers().runs) {
-        if (!isSeparator(run.key) || run.start < limit)
+    for (const Lexicon::Trigger& word : draft.triggers().words) {
+        if (!word.isFor(Lexicon::separators) || word.start < limit)
             continue;
-        const std::optional<Join> join = joinAround(text, run, limit);
+        const std::optional<Join> join = joinAround(text, word, limit);
         if (!join)
             continue;
         limit = join->end;
