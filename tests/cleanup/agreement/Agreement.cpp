@@ -39,12 +39,16 @@ std::optional<QString> difference(QStringView stage, const Input& input, QString
                                                           printable(got));
 }
 
-QString randomText(std::mt19937_64& random, int mostPieces) {
-    const auto& pieces = vocabulary();
-    std::uniform_int_distribution<std::size_t> pick(0, pieces.size() - 1);
+const QString& randomPiece(std::mt19937_64& random, const Pieces& pieces) {
+    return pieces[random() % pieces.size()];
+}
+
+/// Mostly of one theme, so that what belongs together meets.
+QString randomText(std::mt19937_64& random, std::size_t mostPieces) {
+    const Pieces& theme = themes()[random() % themes().size()];
     QString text;
-    for (auto count = std::uniform_int_distribution(1, mostPieces)(random); count > 0; --count)
-        text += pieces[pick(random)];
+    for (std::size_t count = 1 + random() % mostPieces; count > 0; --count)
+        text += randomPiece(random, random() % 8 == 0 ? vocabulary() : theme);
     return text;
 }
 

@@ -1,8 +1,9 @@
 /// What the texts are made of on which the cleanup is compared with its reference.
 ///
-/// A small vocabulary of pieces that holds each word which triggers anything, separators, punctuation,
-/// numbers, determiners, and what is hard in Unicode. Pieces are put side by side as they are: words bring
-/// the space before them, punctuation and marks stick to what stands before.
+/// Small vocabularies of pieces, one for each thing that the cleanup does; together they hold each word that
+/// triggers anything, separators, punctuation, numbers, determiners, and what is hard in Unicode. Pieces are
+/// put side by side as they are: words bring the space before them, punctuation and marks stick to what
+/// stands before.
 #pragma once
 
 #include <QString>
@@ -11,7 +12,12 @@
 
 namespace velorin::agreement {
 
-/// Made once, on first use.
-[[nodiscard]] const std::vector<QString>& vocabulary();
+using Pieces = std::vector<QString>;
+
+/// Those that meet in a pass. Made once, on first use.
+[[nodiscard]] const std::vector<Pieces>& themes();
+
+/// All pieces, each once.
+[[nodiscard]] const Pieces& vocabulary();
 
 } // namespace velorin::agreement
