@@ -58,8 +58,8 @@ xcb_keysym_t KeyboardMap::symbol(xcb_keycode_t key, std::size_t column) const {
     return key >= first_ && column < columns_ && index < symbols_.size() ? symbols_[index] : 0;
 }
 
-std::optional<xcb_keycode_t> KeyboardMap::neutralKey() const {
-    for (unsigned key = 255; key >= first_; --key) {
+std::optional<xcb_keycode_t> KeyboardMap::neutralKey(unsigned last) const {
+    for (unsigned key = last; key >= first_; --key) {
         const auto code = static_cast<xcb_keycode_t>(key);
         bool isFree = modifiersOf_[code] == 0;
         for (std::size_t column = 0; column < columns_ && isFree; ++column)

@@ -35,8 +35,8 @@ public:
     [[nodiscard]] const KeySet& modifierKeys() const { return modifierKeys_; }
     /// The modifier bits of Caps Lock and Num Lock, as far as the keyboard has them.
     [[nodiscard]] const std::vector<std::uint32_t>& locks() const { return locks_; }
-    /// A key code that means nothing in any layout; nothing where all are taken.
-    [[nodiscard]] std::optional<xcb_keycode_t> neutralKey() const;
+    /// The highest key code up to `last` that means nothing in any layout; nothing where all are taken.
+    [[nodiscard]] std::optional<xcb_keycode_t> neutralKey(unsigned last = 255) const;
     /// The modifier bits (of eight) that each key sets.
     [[nodiscard]] std::uint8_t modifiersOf(xcb_keycode_t key) const { return modifiersOf_[key]; }
 

@@ -246,34 +246,28 @@ void TapLoop::swallow(const TapKey& press) {
         grabs_->grabModifiers(modifierKeys(keys_));
     swallowed_.insert(press.key);
     shared_->keys[press.key] = 0; // in case it was posted in the user's stead
-    const bool needsCompany = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
-    const auto company = needsCompany ? map_->neutralKey() : std::nullopt;
-    connections_->step();
-    connections_->post(false, press.key);
-    if (company)
-        tapKey(*company);
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
+    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
+    // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
+    const bool isSuperDown = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
+    if (const auto company = isSuperDown ? map_->neutralKey() : std::nullopt) {
+        expectAgain(untangler.swallowInCompany(press.key, *company));
+        return;
+    }
+    connections_->step();
+    connections_->post(false, press.key);
     connections_->grabs().flush();
     // Mostly that release is all that comes, and it has ended the grab.
     const auto first = connections_->nextGrabbed(grabbedKeys_);
-    if (!first || (!first->isPress && first->key == press.key))
-        return;
-    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
-    const auto again = untangler.runAfterSwallowing(press.key, company, *first);
-    if (company)
-        tapKey(*company);
-    expectAgain(again);
-}
-
-void TapLoop::tapKey(xcb_keycode_t key) {
-    // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
-    connections_->post(true, key);
-    connections_->post(false, key);
+    if (first && (first->isPress || first->key != press.key))
+        expectAgain(untangler.runAfterSwallowing(press.key, *first));
 }
 
 xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {
-    return map_ ? map_->neutralKey().value_or(otherwise) : otherwise;
+    // Another one than that which keeps Super company.
+    const auto company = map_ ? map_->neutralKey() : std::nullopt;
+    return company ? map_->neutralKey(*company - 1U).value_or(otherwise) : otherwise;
 }
 
 void TapLoop::expectAgain(const std::vector<TapKey>& keys) {

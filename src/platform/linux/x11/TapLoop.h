@@ -61,7 +61,6 @@ private:
     void decide(const TapKey& press);
     void passModifier(const TapKey& press);
     void swallow(const TapKey& press);
-    void tapKey(xcb_keycode_t key);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
     void expectAgain(const std::vector<TapKey>& keys);
     void undoGiftsOfNow();

@@ -12,24 +12,32 @@ std::vector<TapKey> Untangler::run(const TapKey& waiting) {
     return repeat();
 }
 
-std::vector<TapKey> Untangler::runAfterSwallowing(xcb_keycode_t swallowed,
-                                                  std::optional<xcb_keycode_t> company, const TapKey& first) {
+std::vector<TapKey> Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::optional<TapKey> first) {
     if (!hold()) {
         letGo();
         return {};
     }
-    int expected = company ? 3 : 1; // what was posted behind the press, all of it at once
-    for (std::optional<TapKey> key = first; key; key = step()) {
-        const bool isSwallowed = key->key == swallowed && !key->isPress;
-        const bool isCompany = connections_.isSynthetic(*key) && key->key == company;
-        if (!isSwallowed && !isCompany) {
-            done_.push_back(*key);
-            caught_.push_back(*key);
-        } else if (--expected == 0) {
-            break;
-        }
-    }
+    takeUpTo(swallowed, first ? first : step());
     return repeat();
+}
+
+std::vector<TapKey> Untangler::swallowInCompany(xcb_keycode_t swallowed, xcb_keycode_t company) {
+    if (!hold()) {
+        connections_.post(false, swallowed);
+        letGo();
+        return {};
+    }
+    connections_.post(false, swallowed);
+    caught_ = {{true, company}, {false, company}};
+    takeUpTo(swallowed, step());
+    return repeat();
+}
+
+void Untangler::takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key) {
+    for (; key && (key->isPress || key->key != swallowed); key = step()) {
+        done_.push_back(*key);
+        caught_.push_back(*key);
+    }
 }
 
 std::vector<TapKey> Untangler::repeat() {

@@ -25,15 +25,19 @@ public:
     /// of it that are down are held by our device from now on, in the user's stead.
     [[nodiscard]] std::vector<TapKey> run(const TapKey& waiting);
 
-    /// For what came in place of the release of the swallowed key: that release, and a tap of `company` if
-    /// there is one, are in the queue already and are dropped.
-    [[nodiscard]] std::vector<TapKey>
-    runAfterSwallowing(xcb_keycode_t swallowed, std::optional<xcb_keycode_t> company, const TapKey& first);
+    /// For what came in place of the release of the swallowed key, which is in the queue already.
+    [[nodiscard]] std::vector<TapKey> runAfterSwallowing(xcb_keycode_t swallowed,
+                                                         std::optional<TapKey> first);
+
+    /// For a press that waits and is to be swallowed, so that a tap of another key goes before everything
+    /// else: the user may have let go of all keys by now.
+    [[nodiscard]] std::vector<TapKey> swallowInCompany(xcb_keycode_t swallowed, xcb_keycode_t company);
 
 private:
     [[nodiscard]] std::optional<TapKey> step();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
     void postMarker();
+    void takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key);
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();
     [[nodiscard]] std::vector<TapKey> repeat();
