@@ -42,6 +42,7 @@ TEST(Replacements, CarryACapitalOver) {
     EXPECT_EQ(replaced(u"Iphone", {{u"iphone"_s, u"iPhone"_s}}), "IPhone");
     EXPECT_EQ(replaced(u"mylib MYLIB", {{u"mylib"_s, u"MyLib"_s}}), "MyLib MyLib");
     EXPECT_EQ(replaced(u"E\u0301a", {{u"e\u0301a"_s, u"ßx"_s}}), "SSx");
+    EXPECT_EQ(replaced(u"a ß b", {{u"s"_s, u"x"_s}}), "a ß b") << "half of what it folds to";
 }
 
 TEST(Replacements, MatchWhiteSpaceOnlyByItself) {

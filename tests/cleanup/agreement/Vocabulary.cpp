@@ -36,9 +36,9 @@ Pieces corrections() {
     return made({u"scratch", u"that", u"wait", u"i",   u"mean", u"meant", u"no",  u"actually",
                  u"sorry",   u"make", u"the",  u"a",   u"this", u"to",    u"at",  u"into",
                  u"pm",      u"did",  u"kar",  u"6",   u"it",   u"we",    u"Bob", u"big",
-                 u"ΑΣ",      u"ας",   u"red",  u"Red", u"dog"},
+                 u"ΑΣ",      u"ας",   u"red",  u"Red", u"dog",  u"état",  u"née"},
                 {u",", u".", u"!", u"?", u"、", u"。", u", no", u", actually", u" ", u"'", u"-", u"\u0301",
-                 u"\u0600"});
+                 u"\u0600", u"é"});
 }
 
 Pieces symbols() {
