@@ -39,7 +39,7 @@ fuzz: bootstrap
 	@cmake --preset fuzz --log-level=WARNING
 	@cmake --build build/fuzz -j $(BUILD_JOBS)
 	@mkdir -p build/fuzz/corpus/cleanup
-	@build/fuzz/bin/velorin-fuzz-cleanup -max_len=400 -timeout=60 -max_total_time=$(FUZZ_SECONDS) \
+	@build/fuzz/bin/velorin-fuzz-cleanup -max_len=400 -timeout=60 -max_total_time=$(FUZZ_SECONDS) -artifact_prefix=build/fuzz/ \
 	    build/fuzz/corpus/cleanup
 
 lint: all
