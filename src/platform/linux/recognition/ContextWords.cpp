@@ -144,8 +144,9 @@ bool WordList::contains(std::string_view lowerCaseWord) const {
 }
 
 OrdinaryWords::OrdinaryWords(const std::vector<std::string>& commonFiles,
+                             const std::vector<std::string>& usualFiles,
                              const std::vector<std::string>& knownFiles)
-    : common_(commonFiles), known_(knownFiles) {}
+    : common_(commonFiles), usual_(usualFiles), known_(knownFiles) {}
 
 std::shared_ptr<const OrdinaryWords> OrdinaryWords::ofThisSystem() {
     const auto files = [](const std::vector<std::string>& grades) {
@@ -155,14 +156,16 @@ std::shared_ptr<const OrdinaryWords> OrdinaryWords::ofThisSystem() {
                 paths.push_back("/usr/share/dict/scowl/" + std::string(list) + grade);
         return paths;
     };
-    auto words =
-        std::make_shared<const OrdinaryWords>(files({"10", "20", "35"}), files({"40", "50", "55", "60"}));
+    auto words = std::make_shared<const OrdinaryWords>(files({"10", "20"}), files({"35"}),
+                                                       files({"40", "50", "55", "60"}));
     return words->isEmpty() ? nullptr : words;
 }
 
 OrdinaryWords::Grade OrdinaryWords::gradeOf(std::string_view lowerCaseWord) const {
     if (common_.contains(lowerCaseWord))
         return Grade::common;
+    if (usual_.contains(lowerCaseWord))
+        return Grade::usual;
     return known_.contains(lowerCaseWord) ? Grade::known : Grade::unknown;
 }
 
@@ -246,10 +249,13 @@ bool ContextWords::isNear(const Run& run, const Entry& entry, std::size_t apart)
     // The same letters: another way of writing it, "terraform" or "post gre sql".
     if (apart == 0)
         return run.words > 1 || run.rarest != Grade::common;
-    // Common words in a row are meant as they are; a rare one among them may have been misheard.
-    if (run.rarest == Grade::common || (run.rarest == Grade::known && run.words == 1))
+    // Ordinary words in a row are meant as they are; a rare one among them may have been misheard.
+    if (run.rarest == Grade::common || (run.rarest != Grade::unknown && run.words == 1))
         return false;
     const std::size_t heardApart = distance(run.sound, entry.sound);
+    // "velour in" for "Velorin": too near to be chance.
+    if (run.rarest == Grade::usual)
+        return heardApart == 0 && entry.sound.size() >= 4 && apart <= 15;
     if (heardApart == 0)
         return entry.sound.size() >= (run.rarest == Grade::unknown ? 2U : 4U) && apart <= 50;
     return heardApart == 1 && run.rarest == Grade::unknown && !run.hasCommon && entry.sound.size() >= 4 &&
@@ -262,7 +268,7 @@ void ContextWords::addMatches(const std::vector<Word>& words, std::size_t first,
     for (std::size_t word = first; word < first + count; ++word) {
         run.letters += words[word].letters;
         run.rarest = std::max(run.rarest, words[word].grade);
-        run.hasCommon = run.hasCommon || words[word].grade == Grade::common;
+        run.hasCommon = run.hasCommon || words[word].grade <= Grade::usual;
     }
     run.sound = soundOf(run.letters);
     for (const Entry& entry : entries_) {

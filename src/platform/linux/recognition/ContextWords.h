@@ -37,19 +37,22 @@ private:
 /// The words of the language, from graded lists.
 class OrdinaryWords final {
 public:
-    /// Words that everybody uses, words that many know, and all others: names, terms, what was misheard.
-    enum class Grade { common, known, unknown };
+    /// Words that everybody uses day by day, that everybody uses, that many know, and all others: names,
+    /// terms, what was misheard.
+    enum class Grade { common, usual, known, unknown };
 
-    OrdinaryWords(const std::vector<std::string>& commonFiles, const std::vector<std::string>& knownFiles);
+    OrdinaryWords(const std::vector<std::string>& commonFiles, const std::vector<std::string>& usualFiles,
+                  const std::vector<std::string>& knownFiles);
 
     /// Those of this system. Null where they are not installed.
     [[nodiscard]] static std::shared_ptr<const OrdinaryWords> ofThisSystem();
 
     [[nodiscard]] Grade gradeOf(std::string_view lowerCaseWord) const;
-    [[nodiscard]] bool isEmpty() const { return common_.isEmpty() || known_.isEmpty(); }
+    [[nodiscard]] bool isEmpty() const { return common_.isEmpty() || usual_.isEmpty() || known_.isEmpty(); }
 
 private:
     WordList common_;
+    WordList usual_;
     WordList known_;
 };
 

@@ -16,6 +16,7 @@ TEST_F(ContextWordsTest, KnowsHowCommonAWordIs) {
     using Grade = OrdinaryWords::Grade;
     ASSERT_TRUE(ordinary);
     EXPECT_EQ(ordinary->gradeOf("meeting"), Grade::common);
+    EXPECT_EQ(ordinary->gradeOf("sphinx"), Grade::usual);
     EXPECT_EQ(ordinary->gradeOf("sherpa"), Grade::known);
     EXPECT_EQ(ordinary->gradeOf("kubernetes"), Grade::unknown);
 }
@@ -25,11 +26,13 @@ TEST_F(ContextWordsTest, GivesMisheardWordsTheirSpelling) {
               "Deploy it on Kubernetes tonight.");
     EXPECT_EQ(correct("I will meet Chao Bhan at nine.", {"Siobhan"}), "I will meet Siobhan at nine.");
     EXPECT_EQ(correct("Mr. Gawylski wants to talk.", {"Kowalski"}), "Mr. Kowalski wants to talk.");
+    EXPECT_EQ(correct("Open velour in and speak.", {"Velorin"}), "Open Velorin and speak.");
     EXPECT_EQ(correct("written with Quaracus, last year", {"Quarkus"}), "written with Quarkus, last year");
 }
 
 TEST_F(ContextWordsTest, GivesTheSameLettersTheirSpelling) {
     EXPECT_EQ(correct("the terraform files", {"Terraform"}), "the Terraform files");
+    EXPECT_EQ(correct("made with sphinx", {"Sphinx"}), "made with Sphinx");
     EXPECT_EQ(correct("a post gre SQL server", {"PostgreSQL"}), "a PostgreSQL server");
     EXPECT_EQ(correct("the git hub page", {"GitHub"}), "the GitHub page");
 }
