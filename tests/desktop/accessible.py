@@ -1,4 +1,6 @@
 """Elements of other programs, through the accessibility bus."""
+import contextlib
+
 import gi
 import waiting
 
@@ -66,3 +68,13 @@ def text_of(element) -> str:
 def replace_text(element, text: str):
     if not Atspi.EditableText.set_text_contents(element, text):
         raise AssertionError("the element does not let its text be replaced")
+
+
+def selection_of(element) -> tuple[int, int]:
+    """The ends of the first selection, in characters; both the caret where nothing is selected."""
+    if Atspi.Text.get_n_selections(element) > 0:
+        with contextlib.suppress(GLib.Error):  # it may have gone since
+            selected = Atspi.Text.get_selection(element, 0)
+            return selected.start_offset, selected.end_offset
+    caret = Atspi.Text.get_caret_offset(element)
+    return caret, caret

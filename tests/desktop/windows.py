@@ -63,9 +63,25 @@ class Windows:
         return {window.id for window in self.root.query_tree().children
                 if self.is_visible(window) and window.get_attributes().override_redirect and self.pid(window) == pid}
 
+    def corner(self, window) -> tuple[int, int]:
+        """Its upper left corner in pixels of the screen."""
+        corner = window.translate_coords(self.root, 0, 0)
+        # The answer is how far the root's corner lies from the window's.
+        return -corner.x, -corner.y
+
     def centre(self, window) -> tuple[int, int]:
         """Its centre in pixels of the screen."""
         size = window.get_geometry()
-        corner = window.translate_coords(self.root, 0, 0)
-        # The answer is how far the root's corner lies from the window's.
-        return (-corner.x + size.width // 2, -corner.y + size.height // 2)
+        x, y = self.corner(window)
+        return x + size.width // 2, y + size.height // 2
+
+    def focus(self) -> int:
+        """The window that has the keyboard."""
+        focus = self.display.get_input_focus().focus
+        return focus if isinstance(focus, int) else focus.id
+
+    def modifiers(self) -> tuple[int, list[int]]:
+        """The modifiers that the server holds for pressed, and every key that it does."""
+        pressed = self.display.query_keymap()
+        keys = [8 * byte + bit for byte in range(32) for bit in range(8) if pressed[byte] >> bit & 1]
+        return self.root.query_pointer().mask & 0xFF, keys
