@@ -3,7 +3,8 @@
 #include "platform/DefaultsValues.h"
 #include "platform/linux/desktop/DesktopWorkspace.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +19,28 @@ bool SessionWorkspace::isCurrent(const RunningApplication& application) const {
 }
 
 void SessionWorkspace::activate(const RunningApplication& application) { windows_.activate(application); }
+bool SessionWorkspace::awaitFrontmost(const RunningApplication& application,
+                                      std::chrono::milliseconds deadline) {
+    return windows_.awaitFrontmost(application, Deadline(deadline));
+}
+std::optional<QString> SessionWorkspace::windowTitle(const RunningApplication& application) {
+    return windows_.titleOf(application);
+}
+
+bool SessionWorkspace::insertIntoOwnWindow(const QString& text) {
+    auto* const focus = QGuiApplication::focusObject();
+    if (!focus)
+        return false;
+    QInputMethodQueryEvent query(Qt::ImEnabled);
+    QCoreApplication::sendEvent(focus, &query);
+    if (!query.value(Qt::ImEnabled).toBool())
+        return false;
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(focus, &event);
+    return true;
+}
+
 void SessionWorkspace::revealFile(const QString& path) { DesktopWorkspace::revealFile(path); }
 void SessionWorkspace::openUrl(const QUrl& url) { DesktopWorkspace::openUrl(url); }
 void SessionWorkspace::relaunch() { DesktopWorkspace::relaunch(giveUpName_); }
@@ -25,9 +48,9 @@ void SessionWorkspace::relaunch() { DesktopWorkspace::relaunch(giveUpName_); }
 Adapters::Adapters(Clock& clock, std::function<void()> giveUpName)
     : clock_(clock), workspace_(std::move(giveUpName)),
       recognition_(clock, ModelStore::programFolders(), folders_.dataFolder() + u"/models"_s),
-      platform_{clock_,      userDefaults_,    folders_,    secrets_,     trust_,
-                eventTap_,   keyboard_,        pasteboard_, workspace_,   languageModel_,
-                audioInput_, audioConverters_, audioFiles_, recognition_, marks_} {
+      platform_{clock_,           userDefaults_, folders_,     secrets_,       trust_,         eventTap_,
+                keyboard_,        pasteboard_,   workspace_,   accessibility_, languageModel_, audioInput_,
+                audioConverters_, audioFiles_,   recognition_, marks_} {
     eventTap_.setFnStandIn(DefaultsValues::string(userDefaults_, u"fnStandIn"_s).value_or(u"rightControl"_s));
     folders_.removeLeftovers();
 }

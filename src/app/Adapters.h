@@ -3,6 +3,7 @@
 
 #include "platform/Platform.h"
 #include "platform/linux/desktop/JsonUserDefaults.h"
+#include "platform/linux/desktop/NoAccessibility.h"
 #include "platform/linux/desktop/NoLanguageModel.h"
 #include "platform/linux/desktop/XdgFolders.h"
 #include "platform/linux/pulse/PulseAudioInput.h"
@@ -40,6 +41,10 @@ public:
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override;
     [[nodiscard]] bool isCurrent(const RunningApplication& application) const override;
     void activate(const RunningApplication& application) override;
+    [[nodiscard]] bool awaitFrontmost(const RunningApplication& application,
+                                      std::chrono::milliseconds deadline) override;
+    [[nodiscard]] std::optional<QString> windowTitle(const RunningApplication& application) override;
+    [[nodiscard]] bool insertIntoOwnWindow(const QString& text) override;
     void revealFile(const QString& path) override;
     void openUrl(const QUrl& url) override;
     void relaunch() override;
@@ -66,6 +71,7 @@ private:
     XTestSyntheticKeyboard keyboard_{keyState_};
     X11Pasteboard pasteboard_;
     SessionWorkspace workspace_;
+    NoAccessibility accessibility_;
     NoLanguageModel languageModel_;
     PulseAudioInput audioInput_;
     SoxrConverterFactory audioConverters_;

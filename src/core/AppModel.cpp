@@ -11,7 +11,9 @@
 #include "core/OverlayPreview.h"
 #include "core/Permissions.h"
 #include "core/Preferences.h"
+#include "delivery/AXInsertService.h"
 #include "delivery/PasteService.h"
+#include "delivery/TypingService.h"
 #include "platform/Platform.h"
 #include "shortcuts/ShortcutBackend.h"
 #include "speech/SpeechEngine.h"
@@ -32,12 +34,13 @@ struct AppModel::Collaborators {
         : platform(desktop), seams(std::move(given)),
           engine(desktop.audioInput, desktop.recognition, desktop.audioConverters, desktop.audioFiles,
                  desktop.folders, desktop.marks),
-          shortcuts(desktop.eventTap),
+          shortcuts(desktop.eventTap), accessibility(desktop.accessibility, desktop.trust, desktop.clock),
+          typing(desktop.keyboard, desktop.trust),
           paste(desktop.pasteboard, desktop.keyboard, desktop.trust, desktop.clock),
           aiSettings(model, desktop.secrets),
           preferences(model, desktop.userDefaults, [this] { return aiSettings.hasLegacyKey(); }),
           history(model, desktop.folders, desktop.clock), captureLog(model, desktop),
-          permissions(model, desktop, shortcuts), router(model, desktop, paste),
+          permissions(model, desktop, shortcuts), router(model, desktop, accessibility, typing, paste),
           preview(model, desktop, seams.hud), services{desktop,          engine,    *seams.finishing,
                                                        *seams.selection, seams.hud, tasks},
           session(model, services) {}
@@ -46,6 +49,8 @@ struct AppModel::Collaborators {
     Seams seams;
     SpeechEngine engine;
     ShortcutBackend shortcuts;
+    AXInsertService accessibility;
+    TypingService typing;
     PasteService paste;
     AISettings aiSettings;
     Preferences preferences;
@@ -93,11 +98,12 @@ void AppModel::wireShortcuts() {
         if (active)
             weak->setErrorMessage(std::nullopt);
     };
-    parts_->paste.onUnverifiedPaste = [weak] {
+    parts_->accessibility.onUnverifiedInsert = [weak] {
         if (weak)
             weak->setErrorMessage(
                 tr("Text may not have reached the app — it's in the transcript above if you need Copy."));
     };
+    parts_->paste.onUnverifiedPaste = parts_->accessibility.onUnverifiedInsert;
 }
 
 void AppModel::handleShortcutEvent(ShortcutEvent event) { parts_->session.handleShortcutEvent(event); }

@@ -296,9 +296,12 @@ void DictationSession::resolveContextProfile(const std::optional<RunningApplicat
         model_.setActiveProfile(*fixed);
         model_.setActiveProfileWasDetected(false);
     } else {
-        // The title of a browser's window is read through accessibility, which is not asked yet.
-        model_.setActiveProfile(ContextDetector::detect(application ? application->kin : std::nullopt,
-                                                        [] { return std::optional<QString>(); }));
+        model_.setActiveProfile(ContextDetector::detect(
+            application ? application->kin : std::nullopt, [&]() -> std::optional<QString> {
+                if (!services_.platform.trust.isProcessTrusted())
+                    return std::nullopt;
+                return services_.platform.workspace.windowTitle(*application);
+            }));
         model_.setActiveProfileWasDetected(true);
     }
     model_.setHasContext(true);

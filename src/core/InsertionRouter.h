@@ -1,35 +1,60 @@
-/// Brings finished text to the cursor of another application. Main thread, synchronous.
+/// Brings finished text to the cursor of another application: which of the three roads (accessibility, keys,
+/// clipboard) is tried in which order for which application, and what the user is told when all decline.
+///
+/// Main thread, synchronous. A window of our own is none of these roads' business: it takes the text
+/// directly.
 #pragma once
 
 #include "platform/RunningApplication.h"
 
 #include <QString>
 
+#include <chrono>
 #include <optional>
 
 namespace velorin {
 
 class AppModel;
+class AXInsertService;
 class PasteService;
+class TypingService;
 struct Platform;
 
 class InsertionRouter final {
 public:
-    InsertionRouter(AppModel& model, Platform& platform, PasteService& paste);
+    /// How long the window manager may take to bring the target to the front.
+    static constexpr std::chrono::milliseconds activationDeadline{150};
+
+    InsertionRouter(AppModel& model, Platform& platform, AXInsertService& accessibility,
+                    TypingService& typing, PasteService& paste);
 
     /// Delivers the text into the target, or where there is none into what is in front; a failure shows as
-    /// the model's error message.
+    /// the model's error message. Nothing is put into any other window than the target's.
     void insertText(const QString& text, const std::optional<RunningApplication>& target);
 
     /// Delivers the last dictation once more, into what is in front now.
     void pasteAgain();
     void insertIntoFrontmostApp(const std::optional<RunningApplication>& target);
 
+    /// Why the clipboard must be tried first for this application; nothing when it need not.
+    [[nodiscard]] static std::optional<QString>
+    pasteReason(const std::optional<RunningApplication>& application);
+    /// Whether it is a web page in a program's clothes; by its files, looked at afresh.
+    [[nodiscard]] static bool isElectron(const RunningApplication& application);
+
 private:
-    void activateIfNeeded(const std::optional<RunningApplication>& application);
+    using Target = std::optional<RunningApplication>;
+
+    [[nodiscard]] bool bringToFront(const Target& application);
+    [[nodiscard]] bool tryAll(const QString& text, const Target& application,
+                              const std::optional<QString>& pasteReason);
+    [[nodiscard]] bool tryDirect(const QString& text, const Target& application);
+    [[nodiscard]] bool delivered(const QString& path);
 
     AppModel& model_;
     Platform& platform_;
+    AXInsertService& accessibility_;
+    TypingService& typing_;
     PasteService& paste_;
 };
 

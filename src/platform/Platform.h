@@ -1,6 +1,7 @@
 /// The desktop as one value: references to the adapter behind every port. They outlive the model.
 #pragma once
 
+#include "platform/Accessibility.h"
 #include "platform/ApplicationFolders.h"
 #include "platform/AudioConverter.h"
 #include "platform/AudioFileWriter.h"
@@ -29,6 +30,7 @@ struct Platform {
     SyntheticKeyboard& keyboard;
     Pasteboard& pasteboard;
     Workspace& workspace;
+    Accessibility& accessibility;
     LanguageModel& languageModel;
     AudioInput& audioInput;
     AudioConverterFactory& audioConverters;

@@ -4,6 +4,8 @@
 #include "platform/Pasteboard.h"
 #include "platform/RunningApplication.h"
 
+#include <QStringList>
+
 namespace velorin {
 
 enum class Chord { copy, paste };
@@ -16,6 +18,13 @@ public:
     /// application. Programs of one kin may differ in their keys, so the whole application is asked for.
     /// Modifiers that the user holds do not take part. False when nothing could be posted.
     [[nodiscard]] virtual bool chord(Chord chord, const std::optional<RunningApplication>& application) = 0;
+
+    /// Types the characters, each of one or more code points, into what has the keyboard, whatever the
+    /// layout. Modifiers that the user holds do not take part. Gives how many were posted; nothing, with
+    /// nothing posted, when they cannot all be typed well: no server, too many for the pace that
+    /// applications keep up with, or too many that the keyboard lacks.
+    [[nodiscard]] virtual std::optional<qsizetype>
+    type(const QStringList& characters, const std::optional<RunningApplication>& application) = 0;
 
     /// What the application will read when it gets the paste chord.
     [[nodiscard]] virtual PasteboardSelection

@@ -1,5 +1,8 @@
 #include "tests/core/ModelFixture.h"
 
+#include "core/InsertionRouter.h"
+#include "tests/support/ElectronFolder.h"
+
 using namespace Qt::Literals::StringLiterals;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -43,11 +46,128 @@ TEST_F(InsertionRouterOfTheModel, WithoutATargetTakesWhatIsInFront) {
     EXPECT_THAT(workspace.activated, IsEmpty());
 }
 
-TEST_F(InsertionRouterOfTheModel, NeverActivatesAWindowOfItsOwn) {
+TEST_F(InsertionRouterOfTheModel, PutsNothingIntoAStranger) {
+    start();
+    keyboard.canType = true;
+    workspace.frontmost->processIdentifier = 99;
+    workspace.comesToFront = false;
+    model->insertText(u"hello"_s, editor());
+    EXPECT_EQ(model->errorMessage(),
+              u"Text was not inserted: another window is in front. Use copy again to insert it."_s);
+    EXPECT_EQ(model->lastInsertedText(), u"hello"_s) << "it stays for copy-again";
+    EXPECT_THAT(pasteboard.calls, IsEmpty());
+    EXPECT_THAT(keyboard.typed, IsEmpty());
+    EXPECT_THAT(accessibility.processes, IsEmpty());
+}
+
+TEST_F(InsertionRouterOfTheModel, AWindowOfItsOwnTakesTheTextDirectly) {
     start();
     auto own = editor();
     own.processIdentifier = workspace.currentProcess;
-    model->insertText(u"hello"_s, own);
+    model->insertText(u"a\nb"_s, own);
+    EXPECT_THAT(workspace.textsOfOwnWindow, ElementsAre(u"a\nb"_s));
+    EXPECT_THAT(workspace.activated, IsEmpty());
+    EXPECT_THAT(pasteboard.calls, IsEmpty());
+    EXPECT_EQ(model->errorMessage(), std::nullopt);
+    workspace.ownWindowTakesText = false;
+    model->insertText(u"c"_s, own);
+    EXPECT_EQ(model->errorMessage(), u"Could not insert text. Check Accessibility permission."_s);
+    EXPECT_THAT(pasteboard.calls, IsEmpty());
+}
+
+TEST_F(InsertionRouterOfTheModel, TriesAccessibilityThenKeysThenTheClipboard) {
+    start();
+    keyboard.canType = true;
+    accessibility.focused = std::make_shared<FakeElement>();
+    model->insertText(u"a"_s, editor());
+    EXPECT_THAT(accessibility.focused->state->written, ElementsAre(u"a"_s));
+    accessibility.focused->state->isSettable = false;
+    model->insertText(u"b"_s, editor());
+    EXPECT_THAT(keyboard.typed, ElementsAre(QStringList{u"b"_s}));
+    keyboard.canType = false;
+    model->insertText(u"c"_s, editor());
+    EXPECT_THAT(pasteboard.texts, ElementsAre(u"c"_s));
+    pasteboard.saved.reset();
+    model->insertText(u"d"_s, editor());
+    EXPECT_EQ(model->errorMessage(), u"Could not insert text. Check Accessibility permission."_s);
+}
+
+TEST_F(InsertionRouterOfTheModel, NeverTypesSeveralLines) {
+    start();
+    keyboard.canType = true;
+    model->insertText(u"a\nb"_s, editor());
+    EXPECT_THAT(keyboard.typed, IsEmpty());
+    EXPECT_THAT(pasteboard.texts, ElementsAre(u"a\nb"_s));
+}
+
+TEST_F(InsertionRouterOfTheModel, WithDirectInsertionOffThereIsTheClipboardAlone) {
+    start();
+    keyboard.canType = true;
+    accessibility.focused = std::make_shared<FakeElement>();
+    model->setUseDirectInsertion(false);
+    auto browser = editor();
+    browser.kin = u"org.mozilla.firefox"_s;
+    log.clear();
+    model->insertText(u"a"_s, browser);
+    EXPECT_THAT(pasteboard.texts, ElementsAre(u"a"_s));
+    EXPECT_THAT(accessibility.processes, IsEmpty());
+    EXPECT_THAT(log.lines(),
+                ElementsAre(u"insert: insertion policy: app=%1 preferPaste=no reason=direct"_s.arg(
+                                *browser.bundleIdentifier),
+                            u"insert: insertion path: clipboard paste"_s));
+}
+
+TEST_F(InsertionRouterOfTheModel, LogsTheApplicationsOwnIdentifierAndComparesItsKin) {
+    start();
+    auto slack = editor();
+    slack.bundleIdentifier = u"slack"_s;
+    slack.kin = u"com.tinyspeck.slackmacgap"_s;
+    log.clear();
+    model->insertText(u"a"_s, slack);
+    EXPECT_THAT(log.lines(),
+                ElementsAre(u"insert: insertion policy: app=slack preferPaste=yes reason=slack"_s,
+                            u"insert: insertion path: clipboard paste (web/rich text)"_s));
+}
+
+TEST_F(InsertionRouterOfTheModel, ElectronIsSeenByItsFilesAndNotRemembered) {
+    auto app = editor();
+    app.kin = u"some.app"_s;
+    EXPECT_FALSE(InsertionRouter::isElectron(app)) << "its file is unknown";
+    const ElectronFolder electron;
+    app.executablePath = electron.executable();
+    EXPECT_TRUE(InsertionRouter::isElectron(app));
+    EXPECT_EQ(InsertionRouter::pasteReason(app), u"electron"_s);
+    app.kin = u"com.microsoft.VSCode"_s;
+    EXPECT_EQ(InsertionRouter::pasteReason(app), std::nullopt);
+    QFile::remove(electron.folder.filePath(u"chrome_100_percent.pak"_s));
+    EXPECT_FALSE(InsertionRouter::isElectron(app));
+}
+
+TEST_F(InsertionRouterOfTheModel, AnInsertionThatMayNotHaveLandedIsTold) {
+    start();
+    accessibility.focused = std::make_shared<FakeElement>();
+    model->insertText(u"a"_s, editor());
+    clock.advance(std::chrono::milliseconds(400));
+    EXPECT_EQ(model->errorMessage(),
+              u"Text may not have reached the app — it's in the transcript above if you need Copy."_s);
+}
+
+TEST_F(InsertionRouterOfTheModel, CopyAgainDoesNothingBeforeTheFirstText) {
+    start();
+    keyboard.canType = true;
+    model->setCleanedText(u"a"_s);
+    model->pasteAgain();
+    EXPECT_THAT(keyboard.typed, IsEmpty());
+}
+
+TEST_F(InsertionRouterOfTheModel, CopyAgainTakesTheLatestTextToWhatIsInFrontNow) {
+    start();
+    keyboard.canType = true;
+    model->insertText(u"first"_s, editor());
+    model->setCleanedText(u"latest"_s);
+    workspace.frontmost->processIdentifier = 99;
+    model->pasteAgain();
+    EXPECT_THAT(keyboard.typed.back().join(QString()), u"latest"_s);
     EXPECT_THAT(workspace.activated, IsEmpty());
 }
 
@@ -61,9 +181,11 @@ TEST_F(InsertionRouterOfTheModel, APasteThatNobodyReadIsTold) {
 
 TEST_F(InsertionRouterOfTheModel, LogsThePathButNotTheText) {
     start();
+    keyboard.canType = true;
     log.clear();
     model->insertText(u"swordfish"_s, editor());
-    EXPECT_THAT(log.lines(), ElementsAre(u"insert: insertion path: clipboard paste"_s));
+    EXPECT_THAT(log.lines().last(), u"insert: insertion path: synthetic typing"_s);
+    EXPECT_THAT(log.lines().filter(u"swordfish"_s), IsEmpty());
 }
 
 } // namespace

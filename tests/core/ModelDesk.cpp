@@ -8,6 +8,7 @@ ModelDesk::ModelDesk() {
     folders.data = home.path();
     folders.temporary = home.path();
     workspace.frontmost = editor();
+    keyboard.canType = false; // what is delivered is looked for on the clipboard
 }
 
 ModelDesk::~ModelDesk() { endModel(); }

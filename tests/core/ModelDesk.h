@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 #include "shortcuts/ShortcutBackend.h"
 #include "tests/core/FakeSeams.h"
+#include "tests/support/FakeAccessibility.h"
 #include "tests/support/FakeApplicationFolders.h"
 #include "tests/support/FakeAudioConverter.h"
 #include "tests/support/FakeAudioFiles.h"
@@ -71,6 +72,7 @@ struct ModelDesk {
     FakeSyntheticKeyboard keyboard;
     FakePasteboard pasteboard;
     FakeWorkspace workspace;
+    FakeAccessibility accessibility;
     NoModel languageModel;
     FakeAudioInput audioInput;
     FakeAudioConverters converters;
@@ -78,9 +80,9 @@ struct ModelDesk {
     FakeSpeechRecognition recognition;
     LatencyMarks marks;
     FakeOverlay hud;
-    Platform platform{clock,      defaults,   folders,    secrets,     trust,
-                      tap,        keyboard,   pasteboard, workspace,   languageModel,
-                      audioInput, converters, audioFiles, recognition, marks};
+    Platform platform{clock,      defaults,   folders,     secrets,       trust,         tap,
+                      keyboard,   pasteboard, workspace,   accessibility, languageModel, audioInput,
+                      converters, audioFiles, recognition, marks};
     FakeFinishing* finishing = nullptr;
     FakeSelection* selection = nullptr;
     std::unique_ptr<AppModel> model;

@@ -12,7 +12,8 @@ using namespace Qt::Literals::StringLiterals;
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     // What a model under test logs is not what the cases ask for.
-    QLoggingCategory::setFilterRules(u"dev.orrin.velorin.*=false"_s);
+    // … but for the lines of which path a text took: cases ask for them.
+    QLoggingCategory::setFilterRules(u"dev.orrin.velorin.*=false\ndev.orrin.velorin.insert.info=true"_s);
     velorin::vectors::RunOptions options;
     options.folders = QCoreApplication::arguments().mid(1);
     options.usesReference = options.folders.removeAll(u"--reference"_s) > 0;

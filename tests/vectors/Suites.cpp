@@ -6,6 +6,7 @@ SuiteTable allSuites() {
     SuiteTable table;
     addCleanupSuites(table);
     addCoreSuites(table);
+    addDeliverySuites(table);
     addShortcutSuites(table);
     addSpeechSuites(table);
     return table;

@@ -7,6 +7,7 @@ namespace velorin::vectors {
 
 void addCleanupSuites(SuiteTable& table);
 void addCoreSuites(SuiteTable& table);
+void addDeliverySuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
 void addSpeechSuites(SuiteTable& table);
 

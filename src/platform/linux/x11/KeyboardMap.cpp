@@ -58,16 +58,23 @@ xcb_keysym_t KeyboardMap::symbol(xcb_keycode_t key, std::size_t column) const {
     return key >= first_ && column < columns_ && index < symbols_.size() ? symbols_[index] : 0;
 }
 
-std::optional<xcb_keycode_t> KeyboardMap::neutralKey(unsigned last) const {
-    for (unsigned key = last; key >= first_; --key) {
+std::vector<xcb_keycode_t> KeyboardMap::freeKeys() const {
+    std::vector<xcb_keycode_t> keys;
+    for (unsigned key = first_; key < 256; ++key) {
         const auto code = static_cast<xcb_keycode_t>(key);
         bool isFree = modifiersOf_[code] == 0;
         for (std::size_t column = 0; column < columns_ && isFree; ++column)
             isFree = symbol(code, column) == 0;
         if (isFree)
-            return code;
+            keys.push_back(code);
     }
-    return std::nullopt;
+    return keys;
+}
+
+std::optional<xcb_keycode_t> KeyboardMap::neutralKey(unsigned last) const {
+    auto keys = freeKeys();
+    std::erase_if(keys, [last](xcb_keycode_t key) { return key > last; });
+    return keys.empty() ? std::nullopt : std::optional(keys.back());
 }
 
 std::optional<xcb_keycode_t> KeyboardMap::keyFor(xcb_keysym_t wanted) const {

@@ -35,14 +35,17 @@ public:
     [[nodiscard]] const KeySet& modifierKeys() const { return modifierKeys_; }
     /// The modifier bits of Caps Lock and Num Lock, as far as the keyboard has them.
     [[nodiscard]] const std::vector<std::uint32_t>& locks() const { return locks_; }
+    /// The key codes that mean nothing in any layout, the lowest first.
+    [[nodiscard]] std::vector<xcb_keycode_t> freeKeys() const;
     /// The highest key code up to `last` that means nothing in any layout; nothing where all are taken.
     [[nodiscard]] std::optional<xcb_keycode_t> neutralKey(unsigned last = 255) const;
     /// The modifier bits (of eight) that each key sets.
     [[nodiscard]] std::uint8_t modifiersOf(xcb_keycode_t key) const { return modifiersOf_[key]; }
+    /// 0 where there is none.
+    [[nodiscard]] xcb_keysym_t symbol(xcb_keycode_t key, std::size_t column) const;
 
 private:
     KeyboardMap() = default;
-    [[nodiscard]] xcb_keysym_t symbol(xcb_keycode_t key, std::size_t column) const;
 
     xcb_keycode_t first_ = 8;
     std::size_t columns_ = 0;

@@ -1,14 +1,12 @@
 #include "platform/linux/x11/TapConnections.h"
 
 #include "platform/linux/x11/InputSelection.h"
+#include "platform/linux/x11/XkbRequests.h"
 
 #include <optional>
 #include <poll.h>
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
-#define explicit isExplicit // a C header with a field of that name
-#include <xcb/xkb.h>
-#undef explicit
 
 namespace velorin {
 

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <cstring>
+#include <poll.h>
 
 namespace velorin {
 
@@ -51,8 +52,7 @@ xcb_window_t X11Windows::activeWindow(Deadline deadline) {
 
 xcb_window_t X11Windows::focusedTopLevel(Deadline deadline) {
     auto* c = connection_->get();
-    const auto focus = connection_->reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(c), deadline);
-    auto window = focus ? focus->focus : xcb_window_t{XCB_WINDOW_NONE};
+    auto window = focusedWindow(deadline);
     while (window > XCB_INPUT_FOCUS_POINTER_ROOT && window != connection_->root()) {
         if (!property(window, "WM_CLASS", deadline).isEmpty())
             return window;
@@ -90,10 +90,7 @@ RunningApplication X11Windows::applicationOf(xcb_window_t window, Deadline deadl
 void X11Windows::activate(const RunningApplication& application) {
     if (!connection_)
         return;
-    const Deadline deadline(serverDeadline);
-    auto window = static_cast<xcb_window_t>(application.window);
-    if (window == XCB_WINDOW_NONE)
-        window = topmostWindowOf(application.processIdentifier, deadline);
+    const auto window = windowOf(application, Deadline(serverDeadline));
     if (window == XCB_WINDOW_NONE)
         return;
     constexpr std::uint32_t onBehalfOfTheUser = 2; // window managers refuse programs that push themselves
@@ -108,6 +105,57 @@ void X11Windows::activate(const RunningApplication& application) {
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&message));
     connection_->flush();
+}
+
+bool X11Windows::awaitFrontmost(const RunningApplication& application, Deadline deadline) {
+    if (!connection_)
+        return false;
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK, &events);
+    // The focus itself comes with no event that we could ask for, but close behind the window manager's note.
+    constexpr int lookInterval = 5;
+    while (!isInFront(application, Deadline(serverDeadline))) {
+        if (connection_->isBroken() || deadline.hasPassed())
+            return false;
+        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
+        }
+        pollfd waiting{connection_->fileDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, std::min(lookInterval, deadline.pollTimeout()));
+    }
+    return true;
+}
+
+bool X11Windows::isInFront(const RunningApplication& application, Deadline deadline) {
+    const auto window = activeWindow(deadline);
+    if (window == XCB_WINDOW_NONE || processOf(window, deadline) != application.processIdentifier)
+        return false;
+    const auto focus = focusedWindow(deadline);
+    return focus == XCB_INPUT_FOCUS_POINTER_ROOT ||
+           (focus != XCB_WINDOW_NONE && processOf(focus, deadline) == application.processIdentifier);
+}
+
+xcb_window_t X11Windows::focusedWindow(Deadline deadline) {
+    const auto focus =
+        connection_->reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_->get()), deadline);
+    return focus ? focus->focus : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+std::optional<QString> X11Windows::titleOf(const RunningApplication& application) {
+    if (!connection_)
+        return std::nullopt;
+    const Deadline deadline(serverDeadline);
+    const auto window = windowOf(application, deadline);
+    if (window == XCB_WINDOW_NONE)
+        return std::nullopt;
+    auto title = QString::fromUtf8(property(window, "_NET_WM_NAME", deadline));
+    if (title.isEmpty())
+        title = QString::fromUtf8(property(window, "WM_NAME", deadline));
+    return presentOrNothing(title);
+}
+
+xcb_window_t X11Windows::windowOf(const RunningApplication& application, Deadline deadline) {
+    const auto window = static_cast<xcb_window_t>(application.window);
+    return window != XCB_WINDOW_NONE ? window : topmostWindowOf(application.processIdentifier, deadline);
 }
 
 xcb_window_t X11Windows::topmostWindowOf(qint64 process, Deadline deadline) {

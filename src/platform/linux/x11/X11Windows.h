@@ -19,7 +19,16 @@ public:
     /// for it; the window manager may decline.
     void activate(const RunningApplication& application);
 
+    /// Waits until one of the application's windows is in front and has the keyboard.
+    [[nodiscard]] bool awaitFrontmost(const RunningApplication& application, Deadline deadline);
+
+    /// Of the window that was in front, or of the topmost one.
+    [[nodiscard]] std::optional<QString> titleOf(const RunningApplication& application);
+
 private:
+    [[nodiscard]] xcb_window_t windowOf(const RunningApplication& application, Deadline deadline);
+    [[nodiscard]] bool isInFront(const RunningApplication& application, Deadline deadline);
+    [[nodiscard]] xcb_window_t focusedWindow(Deadline deadline);
     [[nodiscard]] xcb_window_t activeWindow(Deadline deadline);
     [[nodiscard]] xcb_window_t focusedTopLevel(Deadline deadline);
     [[nodiscard]] RunningApplication applicationOf(xcb_window_t window, Deadline deadline);

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/XTestSyntheticKeyboard.h"
 
 #include "platform/linux/x11/PasteKeys.h"
+#include "platform/linux/x11/Typist.h"
 
 #include <algorithm>
 #include <linux/input-event-codes.h>
@@ -37,6 +38,8 @@ std::vector<xcb_keycode_t> keysOf(Chord chord, const PasteKeys& keys, const Keyb
 
 XTestSyntheticKeyboard::XTestSyntheticKeyboard(SharedKeyState& state) : state_(state) {}
 
+XTestSyntheticKeyboard::~XTestSyntheticKeyboard() = default;
+
 PasteboardSelection
 XTestSyntheticKeyboard::pasteSource(const std::optional<RunningApplication>& application) const {
     return pasteKeysOf(application).source;
@@ -57,56 +60,36 @@ bool XTestSyntheticKeyboard::chord(Chord chord, const std::optional<RunningAppli
 bool XTestSyntheticKeyboard::ensureConnection() {
     if (connection_ && !connection_->isBroken())
         return true;
+    typist_.reset();
     connection_ = XConnection::open();
     if (connection_ && !connection_->extension(xcb_test_id))
         connection_.reset();
+    if (connection_)
+        typist_ = std::make_unique<Typist>(*connection_, state_, spares_);
     return connection_ != nullptr;
 }
 
 bool XTestSyntheticKeyboard::post(const std::vector<xcb_keycode_t>& keys, const KeyboardMap& map,
                                   Deadline deadline) {
-    const auto down = keysDown(*connection_, deadline);
-    const auto held = keysHeldByUser(*connection_, deadline);
-    if (!down || !held)
+    KeyWriter writer(*connection_, state_, map);
+    if (!writer.clearModifiers(deadline))
         return false;
-    const auto inTheWay = *down & map.modifierKeys();
-    const auto canWatch = state_->isWatched != 0;
-    std::vector<xcb_keycode_t> givenBack;
-    for (unsigned code = 0; code < 256; ++code) {
-        const auto key = static_cast<xcb_keycode_t>(code);
-        if (inTheWay[key] || state_->keys[key] != 0)
-            release(key);
-        if (inTheWay[key] && (*held)[key] && canWatch)
-            givenBack.push_back(key);
-    }
     for (const auto key : keys)
-        press(key, KeyState::posted);
+        writer.press(key);
     for (auto key = keys.rbegin(); key != keys.rend(); ++key)
-        release(*key);
-    for (const auto key : givenBack)
-        press(key, KeyState::givenBack);
-    // What the user let go of while this went out will not be seen to come up any more.
-    if (!givenBack.empty())
-        if (const auto stillHeld = keysHeldByUser(*connection_, deadline))
-            std::erase_if(givenBack, [&](xcb_keycode_t key) {
-                if (!(*stillHeld)[key])
-                    release(key);
-                return !(*stillHeld)[key];
-            });
-    if (connection_->sync(deadline)) // the releases are in the server: there is nothing to undo
-        for (unsigned key = 0; key < 256; ++key)
-            if (std::ranges::find(givenBack, key) == givenBack.end())
-                state_->keys[key] = 0;
-    return !connection_->isBroken();
+        writer.release(*key);
+    return writer.finish(deadline);
 }
 
-void XTestSyntheticKeyboard::press(xcb_keycode_t key, std::uint8_t why) {
-    state_->keys[key] = why;
-    xcb_test_fake_input(connection_->get(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
-}
-
-void XTestSyntheticKeyboard::release(xcb_keycode_t key) {
-    xcb_test_fake_input(connection_->get(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+std::optional<qsizetype> XTestSyntheticKeyboard::type(const QStringList& characters,
+                                                      const std::optional<RunningApplication>& application) {
+    const std::scoped_lock lock(mutex_);
+    if (!ensureConnection())
+        return std::nullopt;
+    spares_.wereUsed(application); // what is lent already is not given back under our hands
+    const auto posted = typist_->type(characters);
+    spares_.wereUsed(application);
+    return posted;
 }
 
 } // namespace velorin
