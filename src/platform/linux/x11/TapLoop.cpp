@@ -177,21 +177,31 @@ void TapLoop::hear(const TapKey& heard) {
             return;
         }
     }
-    const auto again = reposted_.find(heard.key);
-    if (isUsers && again != reposted_.end())
-        return; // it is on its way once more
-    if (again != reposted_.end() && --again->second == 0)
-        reposted_.erase(again);
+    if (isUsers && reposted_.contains(heard.key)) {
+        // It is on its way once more, and is looked at here, where the user did it: what the user has done
+        // since is heard already.
+        if (const auto press = takeGrabbedAgain(heard.key)) {
+            decide(*press);
+            return;
+        }
+        noteReposted(heard.key);
+    }
     const auto code = keys_.virtualOf(heard.key);
     if (isUsers && code && isModifier(heard.key) && !grabs_->isBound(heard.key))
         (void)tellPress(heard.key, *code); // it has gone to the application already
 }
 
 std::optional<TapKey> TapLoop::takeGrabbed(const TapKey& heard) {
-    const auto isThere = [&] {
-        return !grabbedKeys_.empty() && grabbedKeys_.front().key == heard.key &&
-               grabbedKeys_.front().time == heard.time;
-    };
+    return takeGrabbedIf([&](const TapKey& key) { return key.key == heard.key && key.time == heard.time; });
+}
+
+std::optional<TapKey> TapLoop::takeGrabbedAgain(xcb_keycode_t key) {
+    return takeGrabbedIf(
+        [&](const TapKey& other) { return other.key == key && connections_->isSynthetic(other); });
+}
+
+std::optional<TapKey> TapLoop::takeGrabbedIf(const std::function<bool(const TapKey&)>& isWanted) {
+    const auto isThere = [&] { return !grabbedKeys_.empty() && isWanted(grabbedKeys_.front()); };
     if (!isThere()) {
         (void)connections_->grabs().sync(Deadline(serverDeadline));
         read();
@@ -201,6 +211,15 @@ std::optional<TapKey> TapLoop::takeGrabbed(const TapKey& heard) {
     const auto press = grabbedKeys_.front();
     grabbedKeys_.pop_front();
     return press;
+}
+
+bool TapLoop::noteReposted(xcb_keycode_t key) {
+    const auto again = reposted_.find(key);
+    if (again == reposted_.end())
+        return false;
+    if (--again->second == 0)
+        reposted_.erase(again);
+    return true;
 }
 
 void TapLoop::hearRelease(xcb_keycode_t key) {
@@ -217,10 +236,8 @@ void TapLoop::undoGift(xcb_keycode_t key) {
 }
 
 void TapLoop::decide(const TapKey& press) {
-    auto again = reposted_.find(press.key);
-    const bool isUsers = !connections_->isSynthetic(press) || again != reposted_.end();
-    if (again != reposted_.end() && --again->second == 0)
-        reposted_.erase(again);
+    const bool isRepeated = noteReposted(press.key);
+    const bool isUsers = isRepeated || !connections_->isSynthetic(press);
     const auto code = keys_.virtualOf(press.key);
     if (isUsers && code && tellPress(press.key, *code) == TapAnswer::swallow) {
         swallow(press);

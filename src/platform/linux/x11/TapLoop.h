@@ -58,6 +58,9 @@ private:
     void undoGift(xcb_keycode_t key);
     [[nodiscard]] KeySet userDownByNow();
     [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
+    [[nodiscard]] std::optional<TapKey> takeGrabbedAgain(xcb_keycode_t key);
+    [[nodiscard]] std::optional<TapKey> takeGrabbedIf(const std::function<bool(const TapKey&)>& isWanted);
+    bool noteReposted(xcb_keycode_t key);
     void decide(const TapKey& press);
     void passModifier(const TapKey& press);
     void swallow(const TapKey& press);
