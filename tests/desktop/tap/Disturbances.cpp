@@ -31,13 +31,16 @@ void tell(Stage& stage, const std::string& what, const Tally& tally) {
 void run(const std::vector<std::string>& command) { (void)ChildProcess(command).wait(); }
 
 /// A hold within which something happens; it must end with its key, and all be as before.
-void holdDuring(Stage& stage, TapSubject& subject, Tally& tally, const std::function<void()>& happens) {
+void holdDuring(
+    Stage& stage, TapSubject& subject, Tally& tally, const std::function<void()>& happens,
+    const std::function<void()>& ends = [] {}) {
     stage.user.press(Key::rightControl);
     const bool began = subject.lineWith("edge holdActivated").has_value();
     happens();
     stage.user.release(Key::rightControl);
     tally.ofHolds += began && subject.lineWith("edge holdDeactivated") ? 0 : 1;
     stage.user.sync();
+    ends();
     tally.ofKeys += stage.down().none() ? 0 : 1;
     tally.ofShortcuts += Stage::holdWorks(stage.user, subject) ? 0 : 1;
 }
@@ -76,8 +79,8 @@ void measureGrabs(Stage& stage) {
                              second->starts_with("edge holdDeactivated") && !subject->line(0);
         locked.ofHolds += isRight ? 0 : 1;
         locked.ofKeys += stage.down().none() ? 0 : 1;
-        holdDuring(stage, *subject, during, [&] { until("the keyboard", patience, grab); });
-        ungrab();
+        holdDuring(
+            stage, *subject, during, [&] { until("the keyboard", patience, grab); }, ungrab);
     }
     tell(stage, "the shortcut's keys at a locked screen", locked);
     tell(stage, "keyboard grabbed by somebody during a hold", during);
