@@ -38,6 +38,23 @@ ClientProcesses::ClientProcesses(XConnection& connection)
     canAsk_ = version && (version->server_major > 1 || version->server_minor >= 2);
 }
 
+bool ClientProcesses::hasConnections(std::int64_t process, Deadline deadline) {
+    if (!canAsk_)
+        return false;
+    constexpr std::uint32_t everybody = 0;
+    const xcb_res_client_id_spec_t spec{everybody, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const auto answer = connection_.reply<xcb_res_query_client_ids_reply_t>(
+        xcb_res_query_client_ids(connection_.get(), 1, &spec), deadline);
+    if (!answer)
+        return false;
+    for (auto ids = xcb_res_query_client_ids_ids_iterator(answer.get()); ids.rem > 0;
+         xcb_res_client_id_value_next(&ids))
+        if (xcb_res_client_id_value_value_length(ids.data) > 0 &&
+            *xcb_res_client_id_value_value(ids.data) == process)
+            return true;
+    return false;
+}
+
 std::int64_t ClientProcesses::processOf(xcb_window_t window, Deadline deadline) {
     if (!canAsk_)
         return 0;

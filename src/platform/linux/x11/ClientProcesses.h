@@ -16,6 +16,9 @@ public:
     /// 0 where the server cannot tell: a client from another machine, or no X-Resource extension.
     [[nodiscard]] std::int64_t processOf(xcb_window_t window, Deadline deadline);
 
+    /// Whether the server still has a connection of this process. False where it cannot tell.
+    [[nodiscard]] bool hasConnections(std::int64_t process, Deadline deadline);
+
     /// Whether this is a program that reads whatever comes to the clipboard, to keep it.
     [[nodiscard]] bool isClipboardManager(xcb_window_t window, std::int64_t process, Deadline deadline);
 

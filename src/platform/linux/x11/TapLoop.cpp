@@ -231,8 +231,8 @@ void TapLoop::hearRelease(xcb_keycode_t key) {
 
 void TapLoop::undoGift(xcb_keycode_t key) {
     connections_->post(false, key);
-    connections_->grabs().flush();
-    shared_->keys[key] = 0;
+    if (connections_->grabs().sync(Deadline(serverDeadline)))
+        shared_->keys[key] = 0;
 }
 
 void TapLoop::decide(const TapKey& press) {
@@ -262,7 +262,6 @@ void TapLoop::swallow(const TapKey& press) {
     if (grabs_->isBound(press.key))
         grabs_->grabModifiers(modifierKeys(keys_));
     swallowed_.insert(press.key);
-    shared_->keys[press.key] = 0; // in case it was posted in the user's stead
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
     Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
@@ -277,7 +276,9 @@ void TapLoop::swallow(const TapKey& press) {
     connections_->grabs().flush();
     // Mostly that release is all that comes, and it has ended the grab.
     const auto first = connections_->nextGrabbed(grabbedKeys_);
-    if (first && (first->isPress || first->key != press.key))
+    if (first && !first->isPress && first->key == press.key)
+        shared_->keys[press.key] = 0; // in case it was posted in the user's stead
+    else if (first)
         expectAgain(untangler.runAfterSwallowing(press.key, *first));
 }
 

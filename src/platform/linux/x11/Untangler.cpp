@@ -25,6 +25,7 @@ std::vector<TapKey> Untangler::swallowInCompany(xcb_keycode_t swallowed, xcb_key
     if (!hold()) {
         connections_.post(false, swallowed);
         letGo();
+        shared_->keys[swallowed] = 0;
         return {};
     }
     connections_.post(false, swallowed);
@@ -38,6 +39,7 @@ void Untangler::takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key) {
         done_.push_back(*key);
         caught_.push_back(*key);
     }
+    shared_->keys[swallowed] = 0;
 }
 
 std::vector<TapKey> Untangler::repeat() {
@@ -45,7 +47,24 @@ std::vector<TapKey> Untangler::repeat() {
     while (!connections_.isBroken() && !tryToRepeat())
         takeAll(false);
     shared_->isHolding = 0;
+    settle();
     return std::move(caught_);
+}
+
+void Untangler::settle() {
+    // Only what the server has done needs no undoing any more, should the process end now.
+    if (!connections_.grabs().sync(Deadline(serverDeadline)))
+        return;
+    KeySet down;
+    for (const auto& key : caught_)
+        down[key.key] = key.isPress;
+    for (const auto& key : done_)
+        if (!down[key.key])
+            shared_->keys[key.key] = 0;
+    for (const auto& key : caught_)
+        if (!down[key.key])
+            shared_->keys[key.key] = 0;
+    shared_->keys[marker_] = 0;
 }
 
 bool Untangler::hold() {
@@ -68,7 +87,14 @@ bool Untangler::isMarker(const TapKey& key) const {
     return key.key == marker_ && connections_.isSynthetic(key);
 }
 
+void Untangler::post(bool isPress, xcb_keycode_t key) {
+    if (isPress)
+        shared_->keys[key] = KeyState::givenBack;
+    connections_.post(isPress, key);
+}
+
 void Untangler::postMarker() {
+    shared_->keys[marker_] = KeyState::posted;
     connections_.post(true, marker_);
     connections_.post(false, marker_);
 }
@@ -87,12 +113,10 @@ void Untangler::takeAll(bool isFirst) {
 
 bool Untangler::tryToRepeat() {
     for (auto key = done_.rbegin(); key != done_.rend(); ++key)
-        connections_.post(!key->isPress, key->key);
+        post(!key->isPress, key->key);
     postMarker();
-    for (const auto& key : caught_) {
-        shared_->keys[key.key] = key.isPress ? KeyState::givenBack : std::uint8_t{0};
-        connections_.post(key.isPress, key.key);
-    }
+    for (const auto& key : caught_)
+        post(key.isPress, key.key);
     bool isQuiet = true;
     for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
         if (isMarker(*key))

@@ -9,6 +9,7 @@
 /// the user did something, that is taken in and it begins again.
 #pragma once
 
+#include "platform/linux/x11/KeyboardMap.h"
 #include "platform/linux/x11/SharedKeyState.h"
 #include "platform/linux/x11/TapConnections.h"
 
@@ -36,7 +37,9 @@ public:
 private:
     [[nodiscard]] std::optional<TapKey> step();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
+    void post(bool isPress, xcb_keycode_t key);
     void postMarker();
+    void settle();
     void takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key);
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();

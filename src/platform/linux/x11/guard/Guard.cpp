@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/InputSelection.h"
 
+#include <algorithm>
 #include <array>
 #include <poll.h>
 #include <unistd.h>
@@ -31,10 +32,20 @@ bool Guard::run() {
         std::array<pollfd, 2> waiting{{{connection_.fileDescriptor(), POLLIN, 0}, {life_, POLLIN, 0}}};
         poll(waiting.data(), waiting.size(), pollTimeout());
         if (waiting[1].revents != 0) { // nothing is ever written there: it is the end
+            awaitLeave();
             releaseOurKeys();
             return true;
         }
     }
+}
+
+void Guard::awaitLeave() {
+    // A killed program may have left requests that the server has yet to read, and it may drop the rest of
+    // them at any point: what is to be undone is known when the connections are closed.
+    const auto isAnyDown = std::ranges::any_of(shared_->keys, [](const auto& key) { return key != 0; });
+    const Deadline deadline(leavePatience);
+    while (isAnyDown && !deadline.hasPassed() && processes_.hasConnections(program_, deadline))
+        poll(nullptr, 0, 1);
 }
 
 bool Guard::listen() {

@@ -23,6 +23,8 @@ public:
     static constexpr std::chrono::milliseconds questionDelay{100};
     /// How long it waits for the sign of life.
     static constexpr std::chrono::milliseconds patience{400};
+    /// How long the server may take to notice that the program is gone.
+    static constexpr std::chrono::milliseconds leavePatience{500};
 
     /// `program`: whose connection may be ended. `life` is a socket to it: the guard writes a byte once it
     /// listens, and takes its end for the program's. A write to `tapWakeUp` makes the tap look at the
@@ -39,6 +41,7 @@ private:
     void ask();
     void judge();
     void endTap();
+    void awaitLeave();
     void releaseOurKeys();
     [[nodiscard]] int pollTimeout() const;
 
