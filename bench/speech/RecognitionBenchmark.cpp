@@ -1,4 +1,5 @@
 /// What recognition costs, with the model that comes with the program.
+#include "platform/linux/recognition/BackgroundDecoder.h"
 #include "platform/linux/recognition/ModelStore.h"
 #include "platform/linux/recognition/Recognizer.h"
 #include "platform/linux/recognition/SileroVoiceActivity.h"
@@ -12,6 +13,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <future>
 
 namespace velorin {
 
@@ -71,9 +73,13 @@ void finishAfterAPause(benchmark::State& state) {
     samples.resize(samples.size() + samplesASecond * 4 / 10);
     for (auto _ : state) {
         state.PauseTiming();
-        StreamingTranscriber transcriber(*detector, *recognizer, {}, [](const std::string&, bool) {});
+        BackgroundDecoder ahead;
+        std::promise<void> hasDecoded;
+        ahead.decodeWith(*recognizer, [&] { hasDecoded.set_value(); });
+        StreamingTranscriber transcriber(*detector, *recognizer, ahead, {}, [](const std::string&, bool) {});
         transcriber.add(samples);
-        transcriber.decodeIfDue();
+        transcriber.preview();
+        hasDecoded.get_future().wait();
         state.ResumeTiming();
         transcriber.finish();
     }

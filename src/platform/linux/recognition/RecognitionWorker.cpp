@@ -5,23 +5,6 @@
 
 namespace velorin {
 
-namespace {
-
-struct CorrectingDecoder final : WindowDecoder {
-    CorrectingDecoder(WindowDecoder& model, const std::function<std::string(const std::string&)>& correction)
-        : decoder(model), correct(correction) {}
-
-    std::string decode(std::span<const float> samples) override {
-        const std::string text = decoder.decode(samples);
-        return correct ? correct(text) : text;
-    }
-
-    WindowDecoder& decoder;
-    const std::function<std::string(const std::string&)>& correct;
-};
-
-} // namespace
-
 RecognitionWorker::~RecognitionWorker() {
     {
         const std::scoped_lock lock(mutex_);
@@ -82,6 +65,7 @@ bool RecognitionWorker::makeReady(const std::string& model, const Load& load) {
 }
 
 void RecognitionWorker::unload() {
+    previews_.stop();
     loaded_ = {};
     loadedName_.clear();
     // A model is many pieces of memory, which the allocator would otherwise keep for later.
@@ -99,8 +83,11 @@ void RecognitionWorker::work(const Job& job) {
             return;
         currentInput_ = job.input;
     }
-    CorrectingDecoder decoder(*loaded_.decoder, job.correct);
-    StreamingTranscriber transcriber(*loaded_.voiceActivity, decoder, job.rules, job.onResult);
+    const auto give = [&job](const std::string& text, bool isFinal) {
+        job.onResult(job.correct ? job.correct(text) : text, isFinal);
+    };
+    previews_.decodeWith(*loaded_.decoder, [input = job.input] { input->wake(); });
+    StreamingTranscriber transcriber(*loaded_.voiceActivity, *loaded_.decoder, previews_, job.rules, give);
     while (!isEnding_) {
         // Asked first: what comes after the answer was yes is nothing.
         const bool isFinished = job.input->isFinished();
@@ -108,7 +95,7 @@ void RecognitionWorker::work(const Job& job) {
             transcriber.add(*samples);
         else if (isFinished)
             break;
-        else if (!transcriber.decodeIfDue())
+        else if (!transcriber.preview())
             job.input->wait();
     }
     if (!isEnding_)

@@ -1,5 +1,6 @@
 /// The recogniser's thread: loads the model when a dictation begins, and takes one dictation after the other
-/// from its sound to its results. Sleeps otherwise. Standard primitives only.
+/// from its sound to its results. Previews are decoded beside it, on a second thread, so that the end of a
+/// dictation waits for none. Sleeps otherwise. Standard primitives only.
 ///
 ///     worker.prepare("moonshine-tiny-en", load);     // begins to load
 ///     worker.begin({"moonshine-tiny-en", load, stream, {}, onResult, onEnd});
@@ -7,6 +8,7 @@
 ///     worker.release();                              // gives the model's memory back
 #pragma once
 
+#include "platform/linux/recognition/BackgroundDecoder.h"
 #include "platform/linux/recognition/SampleStream.h"
 #include "platform/linux/recognition/StreamingTranscriber.h"
 
@@ -72,6 +74,7 @@ private:
     // The thread's own.
     std::string loadedName_;
     LoadedModel loaded_;
+    BackgroundDecoder previews_; ///< Goes before the model that it decodes with.
 
     std::thread thread_;
 };

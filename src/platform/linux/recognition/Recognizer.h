@@ -1,4 +1,5 @@
-/// One loaded model behind the recognition run time's C interface; decodes on the calling thread.
+/// One loaded model behind the recognition run time's C interface; decodes on the calling thread. The model is
+/// shared by threads that decode at once; what a decode changes is its own.
 #pragma once
 
 #include "platform/linux/recognition/ModelCatalog.h"

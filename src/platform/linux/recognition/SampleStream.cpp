@@ -13,13 +13,15 @@ void SampleStream::write(std::vector<float> samples) {
     if (isFinished_.load(std::memory_order_relaxed))
         return;
     queue_.put(std::move(samples));
-    eventfd_write(wakeUp_, 1);
+    wake();
 }
 
 void SampleStream::finish() {
     isFinished_.store(true, std::memory_order_release);
-    eventfd_write(wakeUp_, 1);
+    wake();
 }
+
+void SampleStream::wake() { eventfd_write(wakeUp_, 1); }
 
 void SampleStream::wait() {
     eventfd_t count = 0;

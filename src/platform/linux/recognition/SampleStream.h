@@ -26,8 +26,12 @@ public:
     /// Whether the writer is done: what `take` gives after this was true is all there is. Reading thread.
     [[nodiscard]] bool isFinished() const { return isFinished_.load(std::memory_order_acquire); }
 
-    /// Sleeps until something has been written or finished since the last wait. Reading thread.
+    /// Sleeps until something has been written or finished, or `wake` was called, since the last wait.
+    /// Reading thread.
     void wait();
+
+    /// For news of another kind. Any thread.
+    void wake();
 
 private:
     ChunkQueue<std::vector<float>> queue_;

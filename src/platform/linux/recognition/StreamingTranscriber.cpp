@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 #include <numeric>
+#include <string_view>
+#include <utility>
 
 namespace velorin {
 
@@ -16,11 +18,39 @@ float energy(std::span<const float> samples) {
                                  [](float value) { return value * value; });
 }
 
+std::vector<std::string_view> wordsOf(std::string_view text) {
+    std::vector<std::string_view> words;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        if (end > 0)
+            words.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return words;
+}
+
+/// Whether the text ends with the same three to eight words thrice.
+bool repeatsItself(std::string_view text) {
+    constexpr std::size_t times = 3;
+    const auto words = wordsOf(text);
+    for (std::size_t length = 3; length <= 8 && times * length <= words.size(); ++length) {
+        // The last word may be cut.
+        const auto end = words.end() - (words.size() > times * length ? 1 : 0);
+        const auto last = end - static_cast<std::ptrdiff_t>(length);
+        bool isSame = true;
+        for (std::size_t time = 1; time < times && isSame; ++time)
+            isSame = std::equal(last, end, last - static_cast<std::ptrdiff_t>(time * length));
+        if (isSame)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 StreamingTranscriber::StreamingTranscriber(VoiceActivity& voiceActivity, WindowDecoder& decoder,
-                                           StreamingRules rules, Emit emit)
-    : voiceActivity_(voiceActivity), decoder_(decoder), rules_(rules), emit_(std::move(emit)) {
+                                           AheadDecoder& ahead, StreamingRules rules, Emit emit)
+    : voiceActivity_(voiceActivity), decoder_(decoder), ahead_(ahead), rules_(rules), emit_(std::move(emit)) {
     voiceActivity_.reset();
 }
 
@@ -71,17 +101,41 @@ void StreamingTranscriber::append(std::span<const float> frame, bool isSpeech) {
     newSpeech_ += isSpeech ? 1 : 0;
 }
 
-bool StreamingTranscriber::decodeIfDue() {
+bool StreamingTranscriber::preview() {
+    takePreview();
+    if (!ahead_.isIdle() || !isPreviewDue())
+        return false;
+    aheadFrames_ = isSpeech_.size();
+    newSpeech_ = 0;
+    ahead_.begin(window_);
+    takePreview();
+    return true;
+}
+
+bool StreamingTranscriber::isPreviewDue() const {
     if (speechFrames_ < rules_.leastSpeech || decodedFrames_ == isSpeech_.size())
         return false;
-    const bool isPausing = pause_ >= rules_.pauseToDecode;
-    // Half of the time is left free: whoever lets go of the key waits for a decode that has begun.
+    // Half of the time is left free, for the machine's other work.
     const std::size_t enough =
         std::clamp(2 * framesOfADecode_, rules_.newSpeechToDecode, rules_.mostNewSpeechToDecode);
-    if (!isPausing && newSpeech_ < enough)
-        return false;
-    give(decoded(isSpeech_.size()), false);
-    return true;
+    return pause_ >= rules_.pauseToDecode || newSpeech_ >= enough;
+}
+
+void StreamingTranscriber::takePreview() {
+    auto decoded = ahead_.take();
+    // Of a window that has ended since, or of another dictation: it is late.
+    if (!decoded || aheadFrames_ == 0)
+        return;
+    keep(std::move(*decoded));
+    // A word that is cut off has the model repeat itself: that is no news to anybody.
+    if (!repeatsItself(decodedText_))
+        give(decodedText_, false);
+}
+
+void StreamingTranscriber::keep(AheadDecoder::Decoded decoded) {
+    decodedText_ = std::move(decoded.text);
+    decodedFrames_ = std::exchange(aheadFrames_, 0);
+    framesOfADecode_ = static_cast<std::size_t>(decoded.time / frameTime);
 }
 
 void StreamingTranscriber::finish() {
@@ -132,18 +186,18 @@ void StreamingTranscriber::endWindow(std::size_t frames) {
     isSpeech_.erase(isSpeech_.begin(), isSpeechBefore);
     speechFrames_ -= speech;
     newSpeech_ = speechFrames_;
+    aheadFrames_ = 0;
     decodedFrames_ = 0;
     decodedText_.clear();
 }
 
-/// The text of the first frames of the window, which may be known already.
+/// The text of the first frames of the window, which may be known already, or soon.
 const std::string& StreamingTranscriber::decoded(std::size_t frames) {
+    if (frames == aheadFrames_)
+        keep(ahead_.await());
     if (frames != decodedFrames_) {
-        const auto begin = std::chrono::steady_clock::now();
         decodedText_ = decoder_.decode(std::span<const float>(window_).first(frames * frameSamples));
-        framesOfADecode_ = static_cast<std::size_t>((std::chrono::steady_clock::now() - begin) / frameTime);
         decodedFrames_ = frames;
-        newSpeech_ = 0;
     }
     return decodedText_;
 }

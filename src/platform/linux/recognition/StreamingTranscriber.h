@@ -6,14 +6,18 @@
 /// decoded at once, so that the answer is there if that was the end. The model never sees anything else: on
 /// silence and noise it makes up text.
 ///
-///     StreamingTranscriber transcriber(voiceActivity, decoder, {}, emit);
+/// What is only a preview is decoded beside this thread. A final result never waits for one, unless it is of
+/// the very same window.
+///
+///     StreamingTranscriber transcriber(voiceActivity, decoder, ahead, {}, emit);
 ///     transcriber.add(samples);            // as they come
-///     transcriber.decodeIfDue();           // when no more are waiting
+///     transcriber.preview();               // when no more are waiting, and when `ahead` has ended
 ///     transcriber.finish();                // the rest of the results
 ///
 /// One thread. Standard primitives only.
 #pragma once
 
+#include "platform/linux/recognition/AheadDecoder.h"
 #include "platform/linux/recognition/VoiceActivity.h"
 #include "platform/linux/recognition/WindowDecoder.h"
 
@@ -44,14 +48,15 @@ class StreamingTranscriber final {
 public:
     using Emit = std::function<void(const std::string& text, bool isFinal)>;
 
-    StreamingTranscriber(VoiceActivity& voiceActivity, WindowDecoder& decoder, StreamingRules rules,
-                         Emit emit);
+    StreamingTranscriber(VoiceActivity& voiceActivity, WindowDecoder& decoder, AheadDecoder& ahead,
+                         StreamingRules rules, Emit emit);
 
     /// Takes sound in, and decodes the windows that end in it.
     void add(std::span<const float> samples);
 
-    /// Decodes the present window if enough is new in it, and tells whether it did.
-    bool decodeIfDue();
+    /// Gives out a preview that has ended, and begins the next if enough is new in the window; tells whether
+    /// it did.
+    bool preview();
 
     /// The stream has ended: gives out what is left as a final result.
     void finish();
@@ -66,11 +71,15 @@ private:
     void cutLongWindow();
     [[nodiscard]] std::size_t cutPosition() const;
     void endWindow(std::size_t frames);
+    [[nodiscard]] bool isPreviewDue() const;
+    void takePreview();
+    void keep(AheadDecoder::Decoded decoded);
     const std::string& decoded(std::size_t frames);
     void give(const std::string& text, bool isFinal);
 
     VoiceActivity& voiceActivity_;
     WindowDecoder& decoder_;
+    AheadDecoder& ahead_;
     StreamingRules rules_;
     Emit emit_;
 
@@ -82,7 +91,9 @@ private:
     std::vector<float> window_;
     std::vector<bool> isSpeech_; ///< A frame of the window each.
     std::size_t speechFrames_ = 0;
-    std::size_t newSpeech_ = 0; ///< Frames of speech since the last decode.
+    std::size_t newSpeech_ = 0; ///< Frames of speech since the last decode began.
+    /// Of how many frames a preview is being decoded; 0 for none of this window.
+    std::size_t aheadFrames_ = 0;
     std::size_t decodedFrames_ = 0;
     std::size_t framesOfADecode_ = 0; ///< How long the last decode took.
     std::string decodedText_;

@@ -1,4 +1,4 @@
-/// Writes down what is said in one piece of sound.
+/// Writes down what is said in one piece of sound. Two threads may use one at once.
 #pragma once
 
 #include <span>

@@ -3,10 +3,13 @@
 /// each kind of speech in it.
 #pragma once
 
+#include "platform/linux/recognition/AheadDecoder.h"
 #include "platform/linux/recognition/VoiceActivity.h"
 #include "platform/linux/recognition/WindowDecoder.h"
 
 #include <functional>
+#include <mutex>
+#include <utility>
 #include <vector>
 
 namespace velorin {
@@ -19,14 +22,49 @@ struct FakeVoiceActivity final : VoiceActivity {
 };
 
 struct FakeDecoder final : WindowDecoder {
-    std::vector<std::vector<float>> windows;
+    std::mutex mutex;
+    std::vector<std::vector<float>> windows; ///< Under the mutex while a worker decodes.
     std::function<std::string(std::span<const float>)> answer = [](std::span<const float> samples) {
         return std::to_string(samples.size() / VoiceActivity::frameSamples);
     };
 
     std::string decode(std::span<const float> samples) override {
-        windows.emplace_back(samples.begin(), samples.end());
+        {
+            const std::scoped_lock lock(mutex);
+            windows.emplace_back(samples.begin(), samples.end());
+        }
         return answer(samples);
+    }
+};
+
+/// Decodes ahead in no time; or, when it is told to wait, once it is told to end.
+struct FakeAhead final : AheadDecoder {
+    explicit FakeAhead(WindowDecoder& with) : decoder(with) {}
+
+    WindowDecoder& decoder;
+    bool waits = false;
+    bool isDecoding = false;
+    int awaited = 0;
+    std::vector<float> window;
+    std::optional<Decoded> result;
+
+    void begin(std::vector<float> samples) override {
+        window = std::move(samples);
+        isDecoding = true;
+        if (!waits)
+            end();
+    }
+    void end() {
+        result = Decoded{decoder.decode(window), {}};
+        isDecoding = false;
+    }
+    bool isIdle() const override { return !isDecoding && !result; }
+    std::optional<Decoded> take() override { return std::exchange(result, std::nullopt); }
+    Decoded await() override {
+        ++awaited;
+        if (isDecoding)
+            end();
+        return std::exchange(result, std::nullopt).value_or(Decoded{});
     }
 };
 

@@ -142,6 +142,35 @@ TEST_F(RecognitionWorkerTest, SaysThatAModelCannotBeLoadedAndTriesAgain) {
     }
 }
 
+TEST_F(RecognitionWorkerTest, EndsADictationWhileAPreviewIsBeingDecoded) {
+    struct SlowPreviews final : WindowDecoder {
+        std::string decode(std::span<const float> samples) override {
+            // The window of the end is longer than that of the preview.
+            if (samples.size() <= 20 * VoiceActivity::frameSamples) {
+                hasBegun.set_value();
+                mayEnd.get_future().wait();
+            }
+            return std::to_string(samples.size() / VoiceActivity::frameSamples);
+        }
+        std::promise<void> hasBegun;
+        std::promise<void> mayEnd;
+    };
+    auto decoder = std::make_unique<SlowPreviews>();
+    SlowPreviews& model = *decoder;
+    Dictation dictation;
+    worker.begin(dictation.job("a", [&] {
+        return LoadedModel{std::make_unique<FakeVoiceActivity>(), std::move(decoder)};
+    }));
+    dictation.stream->write(frames(20, 1));
+    ASSERT_EQ(model.hasBegun.get_future().wait_for(deadline), std::future_status::ready);
+    dictation.speak(30);
+    EXPECT_EQ(endOf(dictation), RecognitionWorker::Outcome::done);
+    EXPECT_THAT(dictation.finals, ElementsAre("50"));
+    model.mayEnd.set_value();
+    // The model stays until the preview is done with it.
+    worker.release();
+}
+
 TEST_F(RecognitionWorkerTest, EndsInTheMiddleOfADictation) {
     Dictation dictation;
     {

@@ -1,4 +1,5 @@
 #include "platform/linux/recognition/SherpaRecognition.h"
+#include "platform/linux/recognition/Recognizer.h"
 #include "tests/support/FakeClock.h"
 
 #include <QDir>
@@ -8,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <random>
+#include <thread>
 
 namespace velorin {
 
@@ -78,6 +80,26 @@ TEST_F(SherpaRecognitionTest, WritesDownWhatIsSaid) {
     ASSERT_TRUE(hear(recognition, dictation, recording(u"goforward.raw"_s)));
     EXPECT_EQ(dictation.text.toLower().remove(u'.'), u"go forward ten meters"_s);
     EXPECT_TRUE(dictation.results.back().isFinal);
+}
+
+TEST_F(SherpaRecognitionTest, DecodesOnTwoThreadsAtOnce) {
+    const Model& model = *ModelCatalog::modelFor(u"en-US"_s);
+    const auto place = ModelStore(ModelStore::programFolders(), {}).verified(model);
+    ASSERT_TRUE(place);
+    const auto recognizer = Recognizer::load(model, *place, u"en-US"_s);
+    ASSERT_TRUE(recognizer);
+    const auto sound = recording(u"goforward.raw"_s);
+    const std::span<const float> beginning = std::span(sound).first(sound.size() / 2);
+    const std::string whole = recognizer->decode(sound);
+    const std::string half = recognizer->decode(beginning);
+    EXPECT_NE(whole, half);
+    std::thread other([&] {
+        for (int round = 0; round < 5; ++round)
+            EXPECT_EQ(recognizer->decode(beginning), half);
+    });
+    for (int round = 0; round < 5; ++round)
+        EXPECT_EQ(recognizer->decode(sound), whole);
+    other.join();
 }
 
 TEST_F(SherpaRecognitionTest, WritesNothingForSilenceAndNoise) {

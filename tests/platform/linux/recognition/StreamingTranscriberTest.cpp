@@ -31,12 +31,13 @@ void PrintTo(const Given& given, std::ostream* stream) {
 struct StreamingTranscriberTest : testing::Test {
     FakeVoiceActivity voiceActivity;
     FakeDecoder decoder;
+    FakeAhead ahead{decoder};
     StreamingRules rules;
     std::vector<Given> given;
     StreamingTranscriber transcriber = make();
 
     StreamingTranscriber make() {
-        return {voiceActivity, decoder, rules, [this](const std::string& text, bool isFinal) {
+        return {voiceActivity, decoder, ahead, rules, [this](const std::string& text, bool isFinal) {
                     given.push_back({text, isFinal});
                 }};
     }
@@ -47,7 +48,7 @@ struct StreamingTranscriberTest : testing::Test {
 
 TEST_F(StreamingTranscriberTest, GivesNothingForSilence) {
     pause(1000);
-    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_FALSE(transcriber.preview());
     transcriber.finish();
     EXPECT_THAT(given, IsEmpty());
     EXPECT_THAT(decoder.windows, IsEmpty());
@@ -89,7 +90,7 @@ TEST_F(StreamingTranscriberTest, NeverShowsTheModelWhatIsNotSpeechNorBesideIt) {
         speech(1 + random() % 40);
         pause(10);
         if (random() % 2 == 0)
-            transcriber.decodeIfDue();
+            transcriber.preview();
     }
     transcriber.add(noise);
     transcriber.finish();
@@ -103,31 +104,31 @@ TEST_F(StreamingTranscriberTest, TakesANoiseTooShortForAWordForNoWord) {
     pause(rules.pauseToEnd);
     speech(rules.leastSpeech - 1);
     pause(rules.pauseToEnd);
-    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_FALSE(transcriber.preview());
     transcriber.finish();
     EXPECT_THAT(decoder.windows, IsEmpty());
 }
 
 TEST_F(StreamingTranscriberTest, PreviewsWhenEnoughIsNew) {
     speech(rules.newSpeechToDecode - 1);
-    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_FALSE(transcriber.preview());
     speech(1);
-    EXPECT_TRUE(transcriber.decodeIfDue());
-    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_TRUE(transcriber.preview());
+    EXPECT_FALSE(transcriber.preview());
     EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.newSpeechToDecode), false}));
     speech(rules.newSpeechToDecode);
-    EXPECT_TRUE(transcriber.decodeIfDue());
+    EXPECT_TRUE(transcriber.preview());
     EXPECT_THAT(given, SizeIs(2));
 }
 
 TEST_F(StreamingTranscriberTest, HasTheAnswerReadyAfterAMomentOfPause) {
     speech(rules.newSpeechToDecode);
-    transcriber.decodeIfDue();
+    transcriber.preview();
     pause(rules.pauseToDecode);
-    EXPECT_TRUE(transcriber.decodeIfDue());
+    EXPECT_TRUE(transcriber.preview());
     const std::size_t decodes = decoder.windows.size();
     pause(200);
-    EXPECT_FALSE(transcriber.decodeIfDue());
+    EXPECT_FALSE(transcriber.preview());
     transcriber.finish();
     EXPECT_EQ(decoder.windows.size(), decodes);
     EXPECT_TRUE(given.back().isFinal);
@@ -153,10 +154,10 @@ TEST_F(StreamingTranscriberTest, KeepsAShortWindowOpenThroughAPause) {
 TEST_F(StreamingTranscriberTest, BeginsEveryResultAfterTheFirstFinalOneWithASpace) {
     decoder.answer = [](auto) { return "words"; };
     speech(rules.leastToEnd);
-    transcriber.decodeIfDue();
+    transcriber.preview();
     pause(rules.pauseToEnd);
     speech(rules.newSpeechToDecode);
-    transcriber.decodeIfDue();
+    transcriber.preview();
     transcriber.finish();
     EXPECT_THAT(given, ElementsAre(Given{"words", false}, Given{"words", true}, Given{" words", false},
                                    Given{" words", true}));
@@ -253,16 +254,95 @@ TEST_F(StreamingTranscriberTest, HearsTheLastPiecesOfAFrame) {
 TEST_F(StreamingTranscriberTest, TakesBackAPreviewOfWhichNothingIsLeft) {
     decoder.answer = [count = 0](auto) mutable { return count++ == 0 ? "thing" : ""; };
     speech(rules.newSpeechToDecode);
-    transcriber.decodeIfDue();
+    transcriber.preview();
     speech(1);
     transcriber.finish();
     EXPECT_THAT(given, ElementsAre(Given{"thing", false}, Given{"", true}));
 }
 
+TEST_F(StreamingTranscriberTest, DoesNotWaitForAPreviewAtTheEnd) {
+    ahead.waits = true;
+    speech(rules.newSpeechToDecode);
+    EXPECT_TRUE(transcriber.preview());
+    speech(5);
+    EXPECT_FALSE(transcriber.preview());
+    transcriber.finish();
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.newSpeechToDecode + 5), true}));
+    EXPECT_EQ(ahead.awaited, 0);
+    // Nor does its result come late.
+    ahead.end();
+    EXPECT_FALSE(transcriber.preview());
+    EXPECT_THAT(given, SizeIs(1));
+}
+
+TEST_F(StreamingTranscriberTest, WaitsAtTheEndForADecodeOfTheVerySameWindow) {
+    ahead.waits = true;
+    speech(rules.newSpeechToDecode);
+    pause(rules.pauseToDecode);
+    EXPECT_TRUE(transcriber.preview());
+    pause(3);
+    transcriber.finish();
+    EXPECT_EQ(ahead.awaited, 1);
+    EXPECT_THAT(decoder.windows, SizeIs(1));
+    EXPECT_THAT(given, ElementsAre(Given{std::to_string(rules.newSpeechToDecode + rules.after), true}));
+}
+
+TEST_F(StreamingTranscriberTest, TakesALatePreviewForNoneOfTheNextWindow) {
+    ahead.waits = true;
+    speech(rules.leastToEnd);
+    EXPECT_TRUE(transcriber.preview());
+    pause(rules.pauseToEnd);
+    ASSERT_THAT(given, SizeIs(1));
+    speech(rules.newSpeechToDecode);
+    // The thread is still busy with the window that is over.
+    EXPECT_FALSE(transcriber.preview());
+    ahead.end();
+    EXPECT_TRUE(transcriber.preview());
+    EXPECT_THAT(given, SizeIs(1));
+    ahead.end();
+    transcriber.preview();
+    ASSERT_THAT(given, SizeIs(2));
+    EXPECT_FALSE(given[1].isFinal);
+}
+
+TEST_F(StreamingTranscriberTest, TakesALatePreviewForNoneOfTheNextDictation) {
+    ahead.waits = true;
+    speech(rules.newSpeechToDecode);
+    EXPECT_TRUE(transcriber.preview());
+    StreamingTranscriber next = make();
+    ahead.end();
+    EXPECT_FALSE(next.preview());
+    EXPECT_THAT(given, IsEmpty());
+    EXPECT_TRUE(ahead.isIdle());
+}
+
+TEST_F(StreamingTranscriberTest, ShowsNoPreviewInWhichTheModelRepeatsItself) {
+    std::string text;
+    decoder.answer = [&](auto) { return text; };
+    for (const auto& [answer, isShown] :
+         {std::pair{"the end of the state of the state of the state of the", false},
+          {"It was a very very very long day.", true},
+          {"one two three one two three", true},
+          {"one two three one two three one two three", false},
+          {"a b c d e f g h a b c d e f g h a b c d e f g h a", false},
+          {"I said it and I said it again", true}}) {
+        text = answer;
+        const std::size_t before = given.size();
+        speech(rules.newSpeechToDecode);
+        EXPECT_TRUE(transcriber.preview());
+        EXPECT_EQ(given.size() > before, isShown) << text;
+    }
+    // What is final is given all the same: it is what the model heard.
+    text = "again and again and again and again and again and again";
+    speech(1);
+    transcriber.finish();
+    EXPECT_EQ(given.back(), (Given{text, true}));
+}
+
 TEST_F(StreamingTranscriberTest, GivesNoResultWhereNothingWasUnderstood) {
     decoder.answer = [](auto) { return ""; };
     speech(rules.leastToEnd);
-    transcriber.decodeIfDue();
+    transcriber.preview();
     pause(rules.pauseToEnd);
     decoder.answer = [](auto) { return "first"; };
     speech(20);
