@@ -27,7 +27,10 @@ std::vector<float> tone(std::chrono::milliseconds length) {
 
 } // namespace
 
-struct PulseAudioInputTest : testing::Test {
+/// What is heard from one server.
+struct Recording {
+    explicit Recording(SoundServer::Kind kind) : server("", kind) {}
+
     SoundServer server;
     PulseAudioInput input;
     std::mutex mutex;
@@ -54,11 +57,34 @@ struct PulseAudioInputTest : testing::Test {
     void stop() { QCoro::waitFor(input.stop()); }
 };
 
-TEST_F(PulseAudioInputTest, TellsTheSourcesOwnFormat) {
-    EXPECT_EQ(QCoro::waitFor(input.inputFormat()), (AudioFormat{44100, 2, AudioFormat::Samples::float32}));
+/// What holds of every server that speaks PulseAudio's language.
+struct PulseAudioInputTest : testing::TestWithParam<SoundServer::Kind>, Recording {
+    PulseAudioInputTest() : Recording(GetParam()) {}
+
+    [[nodiscard]] bool addAMicrophone(const std::string& name) {
+        return server.control("load-module module-null-sink sink_name=sink_" + name) &&
+               server.control("load-module module-remap-source channels=1 source_name=" + name +
+                              " master=sink_" + name + ".monitor");
+    }
+};
+
+/// What can be had of PulseAudio itself only.
+struct PulseAudioServerTest : testing::Test, Recording {
+    PulseAudioServerTest() : Recording(SoundServer::Kind::pulseAudio) {}
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, PulseAudioInputTest,
+                         testing::Values(SoundServer::Kind::pulseAudio, SoundServer::Kind::pipeWire),
+                         [](const auto& kind) {
+                             return kind.param == SoundServer::Kind::pulseAudio ? "PulseAudio" : "PipeWire";
+                         });
+
+TEST_P(PulseAudioInputTest, TellsTheSourcesOwnFormat) {
+    const double rate = GetParam() == SoundServer::Kind::pulseAudio ? 44100 : 48000;
+    EXPECT_EQ(QCoro::waitFor(input.inputFormat()), (AudioFormat{rate, 2, AudioFormat::Samples::float32}));
 }
 
-TEST_F(PulseAudioInputTest, HandsOutWholeBuffersAndAtTheEndTheRest) {
+TEST_P(PulseAudioInputTest, HandsOutWholeBuffersAndAtTheEndTheRest) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitUntil([&] { return framesInAll > 5 * 1024; }));
     stop();
@@ -67,7 +93,7 @@ TEST_F(PulseAudioInputTest, HandsOutWholeBuffersAndAtTheEndTheRest) {
     EXPECT_LE(frames.back(), 1024U);
 }
 
-TEST_F(PulseAudioInputTest, RecordsOnlyBetweenStartAndStop) {
+TEST_P(PulseAudioInputTest, RecordsOnlyBetweenStartAndStop) {
     (void)QCoro::waitFor(input.inputFormat());
     EXPECT_FALSE(server.isRecordedFrom());
     ASSERT_TRUE(start());
@@ -80,7 +106,7 @@ TEST_F(PulseAudioInputTest, RecordsOnlyBetweenStartAndStop) {
     stop();
 }
 
-TEST_F(PulseAudioInputTest, HasTheFirstSoundSoon) {
+TEST_P(PulseAudioInputTest, HasTheFirstSoundSoon) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitUntil([&] { return framesInAll > 0; }));
     stop();
@@ -93,7 +119,7 @@ TEST_F(PulseAudioInputTest, HasTheFirstSoundSoon) {
     stop();
 }
 
-TEST_F(PulseAudioInputTest, HearsWhatIsPlayedToTheEnd) {
+TEST_P(PulseAudioInputTest, HearsWhatIsPlayedToTheEnd) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitUntil([&] { return framesInAll > 0; }));
     server.play(tone(500ms));
@@ -104,7 +130,7 @@ TEST_F(PulseAudioInputTest, HearsWhatIsPlayedToTheEnd) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(PulseAudioInputTest, TakesAnyRateAndAnyNumberOfChannels) {
+TEST_F(PulseAudioServerTest, TakesAnyRateAndAnyNumberOfChannels) {
     for (const auto& [rate, channels] : {std::pair{8000, 1}, {192000, 8}, {16000, 7}, {48000, 3}}) {
         server.kill();
         SoundServer other("rate=" + std::to_string(rate) + " channels=" + std::to_string(channels));
@@ -117,19 +143,19 @@ TEST_F(PulseAudioInputTest, TakesAnyRateAndAnyNumberOfChannels) {
     }
 }
 
-TEST_F(PulseAudioInputTest, TakesNoMonitorForAMicrophone) {
+TEST_P(PulseAudioInputTest, TakesNoMonitorForAMicrophone) {
     ASSERT_TRUE(server.control("set-default-source voice.monitor"));
     EXPECT_EQ(QCoro::waitFor(input.inputFormat()).channels, 0);
     ASSERT_TRUE(server.control("set-default-source microphone"));
     EXPECT_EQ(QCoro::waitFor(input.inputFormat()).channels, 2);
 }
 
-TEST_F(PulseAudioInputTest, KnowsThatThereIsNoMicrophone) {
+TEST_P(PulseAudioInputTest, KnowsThatThereIsNoMicrophone) {
     ASSERT_TRUE(server.control("unload-module module-remap-source"));
     EXPECT_EQ(QCoro::waitFor(input.inputFormat()).channels, 0);
 }
 
-TEST_F(PulseAudioInputTest, SaysWhenTheMicrophoneIsUnplugged) {
+TEST_P(PulseAudioInputTest, SaysWhenTheMicrophoneIsUnplugged) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitUntil([&] { return framesInAll > 0; }));
     ASSERT_TRUE(server.control("unload-module module-remap-source"));
@@ -139,7 +165,7 @@ TEST_F(PulseAudioInputTest, SaysWhenTheMicrophoneIsUnplugged) {
     EXPECT_EQ(failures.size(), 1U);
 }
 
-TEST_F(PulseAudioInputTest, SaysWhenTheRescuedStreamWouldHearAMonitor) {
+TEST_F(PulseAudioServerTest, SaysWhenTheRescuedStreamWouldHearAMonitor) {
     ASSERT_TRUE(server.control("load-module module-rescue-streams"));
     ASSERT_TRUE(start());
     ASSERT_TRUE(server.control("unload-module module-remap-source"));
@@ -148,7 +174,7 @@ TEST_F(PulseAudioInputTest, SaysWhenTheRescuedStreamWouldHearAMonitor) {
     stop();
 }
 
-TEST_F(PulseAudioInputTest, SaysWhenTheServerDiesAndConnectsToTheNextOne) {
+TEST_P(PulseAudioInputTest, SaysWhenTheServerDiesAndConnectsToTheNextOne) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitUntil([&] { return framesInAll > 0; }));
     server.kill();
@@ -161,7 +187,7 @@ TEST_F(PulseAudioInputTest, SaysWhenTheServerDiesAndConnectsToTheNextOne) {
     stop();
 }
 
-TEST_F(PulseAudioInputTest, SurvivesARestartOfTheServerBetweenRecordings) {
+TEST_P(PulseAudioInputTest, SurvivesARestartOfTheServerBetweenRecordings) {
     ASSERT_TRUE(start());
     stop();
     server.kill();
@@ -171,7 +197,7 @@ TEST_F(PulseAudioInputTest, SurvivesARestartOfTheServerBetweenRecordings) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(PulseAudioInputTest, WaitsForASilentServerOnlySoLong) {
+TEST_P(PulseAudioInputTest, WaitsForASilentServerOnlySoLong) {
     ASSERT_TRUE(start());
     server.freeze();
     auto before = Clock::now();
@@ -185,7 +211,7 @@ TEST_F(PulseAudioInputTest, WaitsForASilentServerOnlySoLong) {
     stop();
 }
 
-TEST_F(PulseAudioInputTest, HearsSilenceFromAMutedMicrophone) {
+TEST_P(PulseAudioInputTest, HearsSilenceFromAMutedMicrophone) {
     ASSERT_TRUE(server.control("set-source-mute microphone 1"));
     ASSERT_TRUE(start());
     server.play(tone(300ms));
@@ -194,12 +220,53 @@ TEST_F(PulseAudioInputTest, HearsSilenceFromAMutedMicrophone) {
     EXPECT_EQ(loudFrames, 0U);
 }
 
-TEST_F(PulseAudioInputTest, AllowsAStopWithoutAStart) {
+TEST_P(PulseAudioInputTest, AllowsAStopWithoutAStart) {
     stop();
     ASSERT_TRUE(start());
     ASSERT_TRUE(start());
     stop();
     stop();
+}
+
+TEST_P(PulseAudioInputTest, KeepsItsConnectionBetweenRecordings) {
+    const std::string ours = "list short clients | grep pulse-test";
+    ASSERT_TRUE(start());
+    stop();
+    const std::string before = server.answer(ours);
+    EXPECT_EQ(std::count(before.begin(), before.end(), '\n'), 1) << before;
+    for (int recording = 0; recording < 3; ++recording) {
+        ASSERT_TRUE(start());
+        stop();
+    }
+    EXPECT_EQ(server.answer(ours), before);
+}
+
+TEST_P(PulseAudioInputTest, TakesTheDefaultSourceOfTheMoment) {
+    ASSERT_TRUE(addAMicrophone("second"));
+    ASSERT_TRUE(start());
+    EXPECT_EQ(format.channels, 2);
+    stop();
+    ASSERT_TRUE(server.control("set-default-source second"));
+    ASSERT_TRUE(start());
+    EXPECT_EQ(format.channels, 1);
+    server.play(tone(300ms));
+    const std::size_t before = framesInAll;
+    ASSERT_TRUE(waitUntil([&] { return framesInAll > before + 44100 / 2; }));
+    stop();
+    // Nobody speaks into the second one.
+    EXPECT_EQ(loudFrames, 0U);
+}
+
+/// Whoever chooses another microphone in the desktop's mixer means it at once.
+TEST_P(PulseAudioInputTest, FollowsTheDefaultSourceThatChangesMeanwhile) {
+    ASSERT_TRUE(addAMicrophone("second"));
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitUntil([&] { return framesInAll > 0; }));
+    ASSERT_TRUE(server.control("set-default-source second"));
+    server.play(tone(500ms), "sink_second");
+    EXPECT_TRUE(waitUntil([&] { return loudFrames > 8000; }));
+    stop();
+    EXPECT_TRUE(failures.empty());
 }
 
 } // namespace velorin
