@@ -29,6 +29,7 @@ tl::unexpected<RecognitionError> failure(const char* text) {
     return tl::unexpected(RecognitionError{tr(text)});
 }
 
+constexpr auto notStorable = "The speech recognition model cannot be stored in your home folder.";
 constexpr auto notEnoughSpace = "There is not enough space on the disk for the speech recognition model.";
 
 tl::unexpected<RecognitionError> failure(ReceiveProblem problem) {
@@ -117,7 +118,7 @@ RecognitionTask<void> ModelDownload::run(AssetInstallationRequest::Progress prog
     progress_ = std::move(progress);
     const QString folder = incompleteFolder(store_, model_);
     if (!QDir().mkpath(folder))
-        co_return failure("The speech recognition model cannot be stored in your home folder.");
+        co_return failure(notStorable);
     QLockFile lock(folder + u".lock"_s);
     lock.setStaleLockTime(0); // Only the end of its process makes a lock stale.
     if (auto turn = co_await waitForTurn(&lock); !turn)
@@ -139,6 +140,11 @@ RecognitionTask<void> ModelDownload::run(AssetInstallationRequest::Progress prog
 RecognitionTask<void> ModelDownload::waitForTurn(QLockFile* lock) {
     const Alive alive = alive_;
     while (!lock->tryLock(0)) {
+        // Not that another has it: it cannot even be made.
+        if (lock->error() == QLockFile::PermissionError)
+            co_return failure(notStorable);
+        if (lock->error() != QLockFile::LockFailedError)
+            co_return failure(notEnoughSpace);
         Gate isTime(false);
         QTimer::singleShot(patience_.betweenLooksAtOthers, [&isTime] { isTime.open(); });
         co_await isTime.opened();

@@ -23,7 +23,7 @@ public:
         QByteArray body{};
         int status = 200;
         QByteArray tag = "\"one\"";
-        QString location{};          ///< Redirects there.
+        QString location{};        ///< Redirects there.
         qsizetype stopsAfter = -1; ///< Closes the connection after so many bytes of the body.
         qsizetype hangsAfter = -1; ///< Sends no more after so many.
         qsizetype promises = -1;   ///< Says that so many come; −1 tells the truth.

@@ -1,14 +1,11 @@
-#include "platform/linux/recognition/ModelDownload.h"
-#include "tests/platform/linux/recognition/FileServer.h"
+#include "tests/platform/linux/recognition/ModelDownloadFixture.h"
 #include "tests/support/WaitUntil.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QSslCertificate>
 #include <QSslKey>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -18,77 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using testing::IsEmpty;
 
-namespace {
-
-QByteArray content(char seed, qsizetype size) {
-    QByteArray bytes(size, seed);
-    for (qsizetype i = 0; i < size; ++i)
-        bytes[i] = static_cast<char>(i * 31 + i / 256 + seed);
-    return bytes;
-}
-
-} // namespace
-
-struct ModelDownloadTest : testing::Test {
-    QTemporaryDir home;
-    QString place = home.filePath(u"models"_s);
-    ModelStore store{{}, place};
-    FileServer server;
-    QNetworkAccessManager network;
-    ModelDownload::Patience patience{2000ms, 1500ms, 100, 20ms};
-    Model model;
-    QByteArray first = content(1, 200'000);
-    QByteArray second = content(2, 50'000);
-    bool loads = true;
-    int trials = 0;
-    QList<std::pair<qint64, qint64>> progress;
-
-    ModelDownloadTest() {
-        model.id = u"a-model"_s;
-        add(u"first"_s, first);
-        add(u"second"_s, second);
-    }
-
-    void add(const QString& name, const QByteArray& bytes) {
-        const QString path = u'/' + name;
-        server.files[path].body = bytes;
-        model.files.push_back({name, server.address(path), bytes.size(),
-                               QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex()});
-    }
-
-    /// As of a publisher that gives no digests and, of the size, an idea.
-    void forgetDigests() {
-        for (ModelFile& file : model.files) {
-            file.digest.clear();
-            file.size += 1000;
-        }
-    }
-
-    std::unique_ptr<ModelDownload> make() {
-        return std::make_unique<ModelDownload>(
-            network, store, model,
-            [this](const QString&, const Model&) {
-                ++trials;
-                return loads;
-            },
-            patience);
-    }
-
-    tl::expected<void, RecognitionError> download() {
-        const auto one = make();
-        return QCoro::waitFor(one->run([this](qint64 received, qint64 total) {
-            progress.append({received, total});
-        }));
-    }
-
-    QString words() {
-        const auto outcome = download();
-        return outcome ? QString() : outcome.error().description;
-    }
-
-    QString part() const { return place + u"/incomplete/a-model/first.part"_s; }
-    FileServer::File& firstFile() { return server.files[u"/first"_s]; }
-};
+struct ModelDownloadTest : ModelDownloadFixture {};
 
 TEST_F(ModelDownloadTest, PutsAWholeModelInPlace) {
     ASSERT_TRUE(download());
