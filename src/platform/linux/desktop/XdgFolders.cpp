@@ -1,9 +1,12 @@
 #include "platform/linux/desktop/XdgFolders.h"
 
 #include <QDir>
+#include <QFile>
 #include <QStandardPaths>
 
+#include <linux/magic.h>
 #include <pwd.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <vector>
@@ -11,6 +14,19 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
+
+namespace {
+
+/// In memory where the system has such a place: what is said never reaches a disk.
+QString sharedTemporaryFolder() {
+    const QString inMemory = u"/dev/shm"_s;
+    struct statfs system {};
+    const bool isInMemory =
+        statfs(QFile::encodeName(inMemory).constData(), &system) == 0 && system.f_type == TMPFS_MAGIC;
+    return isInMemory && access("/dev/shm", W_OK | X_OK) == 0 ? inMemory : QDir::tempPath();
+}
+
+} // namespace
 
 QString XdgFolders::dataFolder() const {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velorin"_s;
@@ -20,7 +36,7 @@ QString XdgFolders::temporaryFolder() const {
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty() && QDir(runtime).exists())
         return runtime + u"/velorin"_s;
-    return QDir::tempPath() + u"/velorin-%1"_s.arg(geteuid());
+    return sharedTemporaryFolder() + u"/velorin-%1"_s.arg(geteuid());
 }
 
 QString XdgFolders::userFullName() const {

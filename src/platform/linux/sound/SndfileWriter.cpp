@@ -40,12 +40,23 @@ private:
     AudioFormat format_;
 };
 
-bool makePrivateFolder(const QString& path) {
+bool makeFolders(const QString& path) {
     if (QFileInfo::exists(path))
         return true;
     // What is made on the way is for the user alone from its first moment.
     const QString parent = QFileInfo(path).path();
-    return makePrivateFolder(parent) && mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0;
+    return makeFolders(parent) && mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0;
+}
+
+/// In a place that others write to as well, a folder of that name may be somebody else's, or a link.
+bool makePrivateFolder(const QString& path) {
+    struct stat status {};
+    const QByteArray name = QFile::encodeName(path);
+    if (!makeFolders(path) || lstat(name.constData(), &status) != 0)
+        return false;
+    const bool isOurs = S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+    const bool isPrivate = (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    return isOurs && (isPrivate || chmod(name.constData(), S_IRWXU) == 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/linux/sound/SndfileWriter.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -40,6 +41,19 @@ TEST(SndfileWriter, WritesAWavFileThatNobodyElseCanRead) {
     EXPECT_EQ(sf_readf_short(file, samples.data(), 4), 4);
     EXPECT_EQ(samples, (std::vector<qint16>{1, -2, 32767, -32768}));
     sf_close(file);
+}
+
+TEST(SndfileWriter, MakesTheFolderPrivateAndTakesNobodyElses) {
+    const QTemporaryDir folder;
+    const auto onlyTheUsers = onlyTheUser | QFile::ExeOwner | QFile::ExeUser;
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"open"_s));
+    const QString open = folder.filePath(u"open"_s);
+    ASSERT_TRUE(QFile::setPermissions(open, onlyTheUsers | QFile::ReadOther | QFile::ExeOther));
+    EXPECT_TRUE(SndfileFactory().create(open + u"/a.wav"_s, recording));
+    EXPECT_EQ(QFile::permissions(open), onlyTheUsers);
+    ASSERT_TRUE(QFile::link(open, folder.filePath(u"link"_s)));
+    EXPECT_FALSE(SndfileFactory().create(folder.filePath(u"link/b.wav"_s), recording));
+    EXPECT_FALSE(SndfileFactory().create(u"/proc/1/b.wav"_s, recording));
 }
 
 TEST(SndfileWriter, HasAHeaderOf44Bytes) {
