@@ -3,24 +3,18 @@
 #include <QFile>
 #include <QMetaObject>
 
-#include <algorithm>
-#include <memory>
-
-#include <sndfile.h>
+#include <utility>
 
 namespace velorin {
 
-namespace {
-
-struct CloseSndfile {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-};
-
-} // namespace
-
-FileAudioInput::FileAudioInput(QString path, bool isInRealTime, std::function<void()> hasPlayed)
-    : path_(std::move(path)), isInRealTime_(isInRealTime), hasPlayed_(std::move(hasPlayed)) {
-    read();
+FileAudioInput::FileAudioInput(const QString& path, double speed, std::function<void()> hasPlayed)
+    : speed_(speed), hasPlayed_(std::move(hasPlayed)) {
+    SF_INFO info{};
+    file_.reset(sf_open(QFile::encodeName(path).constData(), SFM_READ, &info));
+    if (!file_)
+        return;
+    format_ = {static_cast<double>(info.samplerate), info.channels, AudioFormat::Samples::float32};
+    frames_ = static_cast<double>(info.frames);
 }
 
 FileAudioInput::~FileAudioInput() {
@@ -29,23 +23,7 @@ FileAudioInput::~FileAudioInput() {
         thread_.join();
 }
 
-void FileAudioInput::read() {
-    SF_INFO info{};
-    const std::unique_ptr<SNDFILE, CloseSndfile> file(
-        sf_open(QFile::encodeName(path_).constData(), SFM_READ, &info));
-    if (!file)
-        return;
-    format_ = {static_cast<double>(info.samplerate), info.channels, AudioFormat::Samples::float32};
-    samples_.resize(static_cast<std::size_t>(info.frames * info.channels));
-    const sf_count_t frames = sf_readf_float(file.get(), samples_.data(), info.frames);
-    samples_.resize(static_cast<std::size_t>(std::max<sf_count_t>(frames, 0) * info.channels));
-}
-
-double FileAudioInput::seconds() const {
-    return format_.channels == 0
-               ? 0
-               : static_cast<double>(samples_.size()) / format_.channels / format_.sampleRate;
-}
+double FileAudioInput::seconds() const { return file_ ? frames_ / format_.sampleRate : 0; }
 
 QCoro::Task<AudioFormat> FileAudioInput::inputFormat() { co_return format_; }
 
@@ -57,19 +35,20 @@ QCoro::Task<tl::expected<void, QString>> FileAudioInput::start(AudioFormat /*for
 
 void FileAudioInput::play(quint32 frames, const Block& block) {
     const Time begin = std::chrono::steady_clock::now();
-    const std::size_t step = frames * static_cast<std::size_t>(format_.channels);
-    for (std::size_t first = 0; first < samples_.size() && !isStopping_; first += step) {
-        const std::size_t last = std::min(first + step, samples_.size());
-        const double heardAt = static_cast<double>(last) / format_.channels / format_.sampleRate;
-        if (isInRealTime_)
+    const auto channels = static_cast<std::size_t>(format_.channels);
+    double heard = 0;
+    while (file_ && !isStopping_) {
+        std::vector<float> samples(frames * channels);
+        const sf_count_t got = sf_readf_float(file_.get(), samples.data(), frames);
+        if (got <= 0)
+            break;
+        samples.resize(static_cast<std::size_t>(got) * channels);
+        heard += static_cast<double>(got) / format_.sampleRate;
+        if (speed_ != asFastAsItGoes)
             std::this_thread::sleep_until(begin +
                                           std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                                              std::chrono::duration<double>(heardAt)));
-        using Offset = std::vector<float>::difference_type;
-        block({format_,
-               std::vector<float>(samples_.begin() + static_cast<Offset>(first),
-                                  samples_.begin() + static_cast<Offset>(last)),
-               0});
+                                              std::chrono::duration<double>(heard / speed_)));
+        block({format_, std::move(samples), 0});
     }
     end_ = std::chrono::steady_clock::now();
     QMetaObject::invokeMethod(&mainThread_, hasPlayed_, Qt::QueuedConnection);

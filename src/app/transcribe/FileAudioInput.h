@@ -1,4 +1,4 @@
-/// A microphone that hears a sound file, in real time or as fast as it can be taken.
+/// A microphone that hears a sound file, in real time, so many times as fast, or as fast as it can be taken.
 #pragma once
 
 #include "platform/AudioInput.h"
@@ -7,7 +7,10 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <thread>
+
+#include <sndfile.h>
 
 namespace velorin {
 
@@ -15,8 +18,12 @@ class FileAudioInput final : public AudioInput {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
+    /// Of a `speed`.
+    static constexpr double inRealTime = 1;
+    static constexpr double asFastAsItGoes = 0;
+
     /// `hasPlayed` is called on the main thread once the whole file has been heard.
-    FileAudioInput(QString path, bool isInRealTime, std::function<void()> hasPlayed);
+    FileAudioInput(const QString& path, double speed, std::function<void()> hasPlayed);
     ~FileAudioInput() override;
 
     [[nodiscard]] QCoro::Task<AudioFormat> inputFormat() override;
@@ -29,14 +36,18 @@ public:
     [[nodiscard]] Time end() const { return end_; }
 
 private:
-    void read();
     void play(quint32 frames, const Block& block);
 
-    QString path_;
-    bool isInRealTime_;
+    struct Close {
+        void operator()(SNDFILE* file) const { sf_close(file); }
+    };
+
+    /// Read piece by piece: an hour of sound would fill the memory.
+    std::unique_ptr<SNDFILE, Close> file_;
+    double speed_;
     std::function<void()> hasPlayed_;
     AudioFormat format_;
-    std::vector<float> samples_;
+    double frames_ = 0;
     Time end_;
     std::atomic<bool> isStopping_{false};
     QObject mainThread_;

@@ -1,6 +1,7 @@
 /// velorin-transcribe [--fast] FILE.wav…: each file through the whole recognition path, in real time or as
 /// fast as it goes. A row a file, its columns parted by tabs: name, seconds, milliseconds from the end of the
-/// sound to the final text, the text.
+/// sound to the final text, the text. With --watch another row, on standard error: name, number of results,
+/// the longest time without one in milliseconds.
 #include "app/transcribe/FileAudioInput.h"
 #include "platform/Gate.h"
 #include "platform/linux/desktop/SystemClock.h"
@@ -14,6 +15,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace velorin {
@@ -24,7 +26,8 @@ using namespace Qt::Literals::StringLiterals;
 
 struct Options {
     QStringList files;
-    bool isFast = false;
+    double speed = FileAudioInput::inRealTime;
+    bool isWatched = false;
     QString locale;
     QStringList context;
 };
@@ -42,19 +45,29 @@ struct Transcript {
     QString text;
     double seconds = 0;
     double milliseconds = 0;
+    int results = 0;
+    double longestGap = 0; ///< In milliseconds, from one result to the next.
 };
+
+using Milliseconds = std::chrono::duration<double, std::milli>;
 
 using Outcome = tl::expected<Transcript, QString>;
 
 QCoro::Task<Outcome> transcribe(Ports* ports, QString file, Options options) {
     Gate hasPlayed(false);
-    FileAudioInput input(file, !options.isFast, [&hasPlayed] { hasPlayed.open(); });
+    FileAudioInput input(file, options.speed, [&hasPlayed] { hasPlayed.open(); });
     Transcript transcript;
     QString error;
     SpeechEngine engine(input, ports->recognition, ports->converters, ports->files, ports->folders,
                         ports->marks);
     engine.contextualStrings = options.context;
-    engine.onResult = [&transcript](const QString& text, bool isFinal) {
+    std::optional<std::chrono::steady_clock::time_point> last;
+    engine.onResult = [&transcript, &last](const QString& text, bool isFinal) {
+        const auto now = std::chrono::steady_clock::now();
+        ++transcript.results;
+        transcript.longestGap =
+            std::max(transcript.longestGap, Milliseconds(now - last.value_or(now)).count());
+        last = now;
         if (isFinal)
             transcript.text += text;
     };
@@ -64,7 +77,7 @@ QCoro::Task<Outcome> transcribe(Ports* ports, QString file, Options options) {
         co_return tl::unexpected(started.error().description());
     co_await hasPlayed.opened();
     co_await engine.stop();
-    const std::chrono::duration<double, std::milli> wait = std::chrono::steady_clock::now() - input.end();
+    const Milliseconds wait = std::chrono::steady_clock::now() - input.end();
     if (!error.isEmpty())
         co_return tl::unexpected(error);
     transcript.seconds = input.seconds();
@@ -80,6 +93,9 @@ QCoro::Task<int> transcribeAll(Options options) {
         if (outcome) {
             std::printf("%s\t%.2f\t%.0f\t%s\n", qUtf8Printable(QFileInfo(file).fileName()), outcome->seconds,
                         outcome->milliseconds, qUtf8Printable(outcome->text));
+            if (options.isWatched)
+                std::fprintf(stderr, "%s\t%d\t%.0f\n", qUtf8Printable(QFileInfo(file).fileName()),
+                             outcome->results, outcome->longestGap);
         } else {
             std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(outcome.error()));
             exitCode = 1;
@@ -98,12 +114,17 @@ Options readOptions() {
                                     u"en-US"_s);
     const QCommandLineOption context(u"context"_s, u"A word that is likely to be used; can be repeated."_s,
                                      u"word"_s);
-    parser.addOptions({fast, locale, context});
+    const QCommandLineOption speed(u"speed"_s, u"So many times as fast as in real time."_s, u"number"_s,
+                                   u"1"_s);
+    const QCommandLineOption watch(u"watch"_s, u"Tell of the results on standard error."_s);
+    parser.addOptions({fast, locale, context, speed, watch});
     parser.addPositionalArgument(u"files"_s, u"Sound files."_s, u"FILE.wav…"_s);
     parser.process(*QCoreApplication::instance());
     if (parser.positionalArguments().isEmpty())
         parser.showHelp(2);
-    return {parser.positionalArguments(), parser.isSet(fast), parser.value(locale), parser.values(context)};
+    const double pace = parser.isSet(fast) ? FileAudioInput::asFastAsItGoes : parser.value(speed).toDouble();
+    return {parser.positionalArguments(), pace, parser.isSet(watch), parser.value(locale),
+            parser.values(context)};
 }
 
 } // namespace
