@@ -70,6 +70,7 @@ void measureGrabs(Stage& stage) {
         stage.user.release(Key::leftSuper);
         stage.user.sync();
         ungrab();
+        std::this_thread::sleep_for(5ms); // nobody unlocks a screen within the same millisecond
         // The next hold is the first thing that is said: nothing began meanwhile.
         stage.user.press(Key::rightControl);
         const auto first = subject->lineWith("edge");

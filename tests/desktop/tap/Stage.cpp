@@ -10,7 +10,8 @@ namespace velorin::tap {
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(20);
+// A window manager may still be busy with the changes of the map that keys of two devices bring.
+constexpr auto patience = std::chrono::seconds(120);
 
 constexpr auto openboxSettings = R"(<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc"><keyboard>

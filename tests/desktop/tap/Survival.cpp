@@ -13,8 +13,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto patience = 5s;
-constexpr std::array keys{Key::leftShift,    Key::leftSuper, Key::leftAlt,      Key::leftControl,
-                          Key::rightControl, Key::f8,        Key::rightControl, Key::rightControl,
+constexpr std::array keys{Key::leftShift,    Key::leftSuper,  Key::leftAlt,      Key::leftControl,
+                          Key::rightControl, Key::scrollLock, Key::rightControl, Key::rightControl,
                           Key::letterB,      Key::letterK};
 
 /// Somebody who presses keys by chance, and knows which are down.
@@ -66,7 +66,7 @@ double untilKeyArrives(Stage& stage, TestWindow& window) {
 
 ShortcutConfiguration withChord() {
     auto configuration = ShortcutConfiguration::defaultConfiguration();
-    configuration.copyAgain = keyBinding(100, ShortcutModifiers::command);
+    configuration.copyAgain = keyBinding(107, ShortcutModifiers::command);
     return configuration;
 }
 

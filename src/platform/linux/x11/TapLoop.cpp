@@ -268,7 +268,7 @@ void TapLoop::swallow(const TapKey& press) {
     // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
     const bool isSuperDown = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
     if (const auto company = isSuperDown ? map_->neutralKey() : std::nullopt) {
-        expectAgain(untangler.swallowInCompany(press.key, *company));
+        expectAgain(untangler.swallowInCompany(press, *company));
         return;
     }
     connections_->step();
@@ -276,10 +276,10 @@ void TapLoop::swallow(const TapKey& press) {
     connections_->grabs().flush();
     // Mostly that release is all that comes, and it has ended the grab.
     const auto first = connections_->nextGrabbed(grabbedKeys_);
-    if (first && !first->isPress && first->key == press.key)
-        shared_->keys[press.key] = 0; // in case it was posted in the user's stead
-    else if (first)
-        expectAgain(untangler.runAfterSwallowing(press.key, *first));
+    if (first && (first->isPress || first->key != press.key))
+        expectAgain(untangler.runAfterSwallowing(press, *first));
+    else if (first && connections_->isSynthetic(press)) // it was posted in the user's stead
+        shared_->keys[press.key] = 0;
 }
 
 xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {

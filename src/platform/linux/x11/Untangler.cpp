@@ -12,7 +12,7 @@ std::vector<TapKey> Untangler::run(const TapKey& waiting) {
     return repeat();
 }
 
-std::vector<TapKey> Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::optional<TapKey> first) {
+std::vector<TapKey> Untangler::runAfterSwallowing(const TapKey& swallowed, std::optional<TapKey> first) {
     if (!hold()) {
         letGo();
         return {};
@@ -21,25 +21,30 @@ std::vector<TapKey> Untangler::runAfterSwallowing(xcb_keycode_t swallowed, std::
     return repeat();
 }
 
-std::vector<TapKey> Untangler::swallowInCompany(xcb_keycode_t swallowed, xcb_keycode_t company) {
+std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_keycode_t company) {
     if (!hold()) {
-        connections_.post(false, swallowed);
+        connections_.post(false, swallowed.key);
         letGo();
-        shared_->keys[swallowed] = 0;
+        noteReleased(swallowed);
         return {};
     }
-    connections_.post(false, swallowed);
+    connections_.post(false, swallowed.key);
     caught_ = {{true, company}, {false, company}};
     takeUpTo(swallowed, step());
     return repeat();
 }
 
-void Untangler::takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key) {
-    for (; key && (key->isPress || key->key != swallowed); key = step()) {
+void Untangler::takeUpTo(const TapKey& swallowed, std::optional<TapKey> key) {
+    for (; key && (key->isPress || key->key != swallowed.key); key = step()) {
         done_.push_back(*key);
         caught_.push_back(*key);
     }
-    shared_->keys[swallowed] = 0;
+    noteReleased(swallowed);
+}
+
+void Untangler::noteReleased(const TapKey& swallowed) {
+    if (connections_.isSynthetic(swallowed)) // else it is in the ledger by somebody else, if at all
+        shared_->keys[swallowed.key] = 0;
 }
 
 std::vector<TapKey> Untangler::repeat() {

@@ -27,12 +27,12 @@ public:
     [[nodiscard]] std::vector<TapKey> run(const TapKey& waiting);
 
     /// For what came in place of the release of the swallowed key, which is in the queue already.
-    [[nodiscard]] std::vector<TapKey> runAfterSwallowing(xcb_keycode_t swallowed,
+    [[nodiscard]] std::vector<TapKey> runAfterSwallowing(const TapKey& swallowed,
                                                          std::optional<TapKey> first);
 
     /// For a press that waits and is to be swallowed, so that a tap of another key goes before everything
     /// else: the user may have let go of all keys by now.
-    [[nodiscard]] std::vector<TapKey> swallowInCompany(xcb_keycode_t swallowed, xcb_keycode_t company);
+    [[nodiscard]] std::vector<TapKey> swallowInCompany(const TapKey& swallowed, xcb_keycode_t company);
 
 private:
     [[nodiscard]] std::optional<TapKey> step();
@@ -40,7 +40,8 @@ private:
     void post(bool isPress, xcb_keycode_t key);
     void postMarker();
     void settle();
-    void takeUpTo(xcb_keycode_t swallowed, std::optional<TapKey> key);
+    void noteReleased(const TapKey& swallowed);
+    void takeUpTo(const TapKey& swallowed, std::optional<TapKey> key);
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();
     [[nodiscard]] std::vector<TapKey> repeat();
