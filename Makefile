@@ -3,7 +3,7 @@ BUILD_JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 ELEVATE := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all run test bench lint fuzz proof speech-proof tap-proof install bootstrap clean
+.PHONY: all run test bench lint fuzz proof speech-proof tap-proof matrix install bootstrap clean
 
 all: bootstrap
 	@cmake --preset release --log-level=WARNING
@@ -48,6 +48,10 @@ fuzz: bootstrap
 
 lint: all
 	@scripts/lint
+
+# Texts into every application of docs/applications.md, which it writes; installs the applications (1 GB).
+matrix: bootstrap
+	@scripts/matrix
 
 install: all
 	@$(ELEVATE) cmake --install build/release --prefix $(PREFIX)

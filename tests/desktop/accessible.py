@@ -8,6 +8,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, Gio, GLib  # noqa: E402  (the version comes first)
 
 _CALL_MILLISECONDS = 2000
+FOCUSED = Atspi.StateType.FOCUSED
 
 
 def switch_on():
@@ -78,3 +79,12 @@ def selection_of(element) -> tuple[int, int]:
             return selected.start_offset, selected.end_offset
     caret = Atspi.Text.get_caret_offset(element)
     return caret, caret
+
+
+def is_editable_document(element) -> bool:
+    return element.get_role() == Atspi.Role.DOCUMENT_WEB and has_state(element, Atspi.StateType.EDITABLE)
+
+
+def focus(element):
+    if not Atspi.Component.grab_focus(element):
+        raise AssertionError("the element does not take the focus")

@@ -4,6 +4,7 @@ import time
 from typing import NamedTuple
 
 import clipboard
+import waiting
 from applications.target import Target
 from applications.texts import SITUATIONS, TEXTS, Situation, Text
 from delivery import Delivery
@@ -78,13 +79,18 @@ def _faults_after(before: _Desk, windows: Windows) -> list[str]:
             for name, was, now in zip(_Desk._fields, before, after) if was != now]
 
 
+def _copy(data: bytes, selection: str = "clipboard"):
+    clipboard.write(data, selection=selection)
+    waiting.until("the copy", 5, lambda: clipboard.read(selection=selection) == data)
+
+
 def run(target: Target, delivery: Delivery, text: Text, situation: Situation) -> Cell:
     target.prepare(situation)
     told = len(delivery.told())
     copied = f"what the user has copied, {next(_copies)}".encode()
-    clipboard.write(copied)
+    _copy(copied)
     if not situation.selected:
-        clipboard.write(copied + b" (selected)", selection="primary")
+        _copy(copied + b" (selected)", "primary")
     before = _look(target.windows)
     if situation.selected and target.replaces_selection:
         before = before._replace(primary=None)  # goes with the selection itself
@@ -101,6 +107,11 @@ def run(target: Target, delivery: Delivery, text: Text, situation: Situation) ->
         faults.append("text: came late")
     return Cell(target.name, text.name, situation.name, reply.path, reply.took, readable, faults,
                 " ".join(delivery.told()[told:]))
+
+
+def failed(target: str, words: str) -> Cell:
+    """Stands for the rest of a row when the application itself could not be brought into a situation."""
+    return Cell(target, "the rest", "in the matrix", "", 0, None, [words], "")
 
 
 def cells() -> list[tuple[Situation, Text]]:

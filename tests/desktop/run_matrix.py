@@ -1,8 +1,12 @@
-"""run_matrix.py [WORD…]: every text in every situation into every application whose name holds a word."""
+"""run_matrix.py PAGE [WORD…]: every text in every situation into every application whose name holds a word.
+
+Writes the page, prints what is wrong, and ends with 1 if anything is.
+"""
 import sys
 
 import accessible
 import matrix
+import matrix_page
 from applications import ALL
 from applications.texts import SITUATIONS, TEXTS
 from delivery import Delivery
@@ -10,25 +14,39 @@ from user import User
 from windows import Windows
 
 
-def rows(words: list[str]):
-    return [each for each in ALL if not words or any(word.lower() in each.name.lower() for word in words)]
+def fill(row, windows: Windows, user: User) -> list[matrix.Cell] | None:
+    """All cells of a row; what is left of them when the application fails; nothing if it is not installed."""
+    if not row.is_installed():
+        return None
+    cells = []
+    target = row(windows, user)
+    try:
+        target.start()
+        with Delivery() as delivery:
+            for situation, text in matrix.cells():
+                cells.append(matrix.run(target, delivery, text, situation))
+    except AssertionError as error:
+        cells.append(matrix.failed(row.name, str(error)))
+    finally:
+        target.close()
+    return cells
 
 
-def main():
+def main(page: str, words: list[str]) -> int:
     windows, user = Windows(), User()
     accessible.switch_on()
-    for row in rows(sys.argv[1:]):
-        target = row(windows, user)
-        try:
-            target.start()
-            with Delivery() as delivery:
-                for situation in SITUATIONS:
-                    for text in TEXTS:
-                        print(matrix.run(target, delivery, text, situation), flush=True)
-        except AssertionError as error:
-            print(f"{row.name}: {error}", flush=True)
-        finally:
-            target.close()
+    results = []
+    for row in ALL:
+        if words and not any(word.lower() in row.name.lower() for word in words):
+            continue
+        results.append((row, fill(row, windows, user)))
+        print(matrix_page.row(*results[-1]), end="", flush=True)
+    with open(page, "w", encoding="utf-8") as file:
+        file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS)))
+    wrong = [cell for _, cells in results for cell in cells or [] if cell.faults]
+    for cell in wrong:
+        print(cell)
+    return 1 if wrong else 0
 
 
-main()
+sys.exit(main(sys.argv[1], sys.argv[2:]))

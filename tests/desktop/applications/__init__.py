@@ -1,12 +1,14 @@
 """The applications of the matrix, in the order of its rows."""
-from .accessible_editors import FeatherPad, GnomeTextEditor, Mousepad, QtField
-from .browsers import (ChromiumEditable, ChromiumPassword, ChromiumTextArea, ElectronLike, FirefoxEditable,
-                       FirefoxPassword, FirefoxTextArea)
-from .telling import Emacs, SwingTextArea, TkEntry
-from .terminals import GnomeTerminal, QTerminal, XTerm
+from . import accessible_editors, browsers, mail, office, telling, terminals
 
-ALL = [XTerm, GnomeTerminal, QTerminal, Mousepad, GnomeTextEditor, FeatherPad, QtField, TkEntry, SwingTextArea, Emacs, FirefoxTextArea, FirefoxEditable,
-       FirefoxPassword, ChromiumTextArea, ChromiumEditable, ChromiumPassword, ElectronLike]
+ALL = [
+    terminals.XTerm, terminals.GnomeTerminal, terminals.QTerminal,
+    accessible_editors.Mousepad, accessible_editors.GnomeTextEditor, accessible_editors.FeatherPad,
+    accessible_editors.QtField, telling.TkEntry, telling.SwingTextArea, telling.Emacs, office.Writer,
+    browsers.FirefoxTextArea, browsers.FirefoxEditable, browsers.FirefoxPassword, browsers.FirefoxAddressBar,
+    browsers.ChromiumTextArea, browsers.ChromiumEditable, browsers.ChromiumPassword, browsers.ChromiumAddressBar,
+    browsers.ElectronLike, mail.Thunderbird,
+]
 
 # What every machine with the tests has.
-QUICK = [XTerm, Mousepad, QtField, TkEntry]
+QUICK = [terminals.XTerm, accessible_editors.Mousepad, accessible_editors.QtField, telling.TkEntry]

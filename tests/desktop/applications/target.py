@@ -32,8 +32,8 @@ class Target:
     name = ""
     package = ""  # of Debian
     program = ""  # found in PATH when it is installed
-    has_lines = True  # holds texts of several lines
     replaces_selection = True
+    nature = ""  # where it does by nature something else with a text; for the page
     start_seconds = 40.0
 
     def __init__(self, windows: Windows, user: User):

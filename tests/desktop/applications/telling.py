@@ -36,6 +36,7 @@ class Telling(Target):
 class TkEntry(Telling):
     name = "an entry of Tk"
     package = "python3-tk"
+    nature = "on X11 Tk pastes before the caret and leaves what is selected where it is."
     program = "wish"
 
     def command(self):

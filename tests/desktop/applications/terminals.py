@@ -14,6 +14,7 @@ _COLUMN = 40  # pixels from the left, within the word
 
 
 class Terminal(Target):
+    nature = "what is selected stands on the screen and stays; a tab that is typed completes."
     replaces_selection = False  # what is selected stands on the screen, not in the line
 
     def launch(self):
