@@ -41,12 +41,12 @@ def main(page: str, words: list[str]) -> int:
             continue
         results.append((row, fill(row, windows, user)))
         print(matrix_page.row(*results[-1]), end="", flush=True)
+        for cell in results[-1][1] or []:
+            if cell.faults:
+                print(f"    {cell}", flush=True)
     with open(page, "w", encoding="utf-8") as file:
         file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS)))
-    wrong = [cell for _, cells in results for cell in cells or [] if cell.faults]
-    for cell in wrong:
-        print(cell)
-    return 1 if wrong else 0
+    return 1 if any(cell.faults for _, cells in results for cell in cells or []) else 0
 
 
 sys.exit(main(sys.argv[1], sys.argv[2:]))
