@@ -33,6 +33,7 @@ class Target:
     package = ""  # of Debian
     program = ""  # found in PATH when it is installed
     replaces_selection = True
+    keeps_typed_tabs = True  # or goes to the next field with one
     nature = ""  # where it does by nature something else with a text; for the page
     start_seconds = 40.0
 

@@ -36,7 +36,8 @@ class Telling(Target):
 class TkEntry(Telling):
     name = "an entry of Tk"
     package = "python3-tk"
-    nature = "on X11 Tk pastes before the caret and leaves what is selected where it is."
+    keeps_typed_tabs = False
+    nature = "a tab that is typed goes to the next field; on X11 Tk pastes before the caret and leaves what is selected where it is."
     program = "wish"
 
     def command(self):
