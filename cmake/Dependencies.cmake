@@ -7,6 +7,7 @@ find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET
     xcb xcb-xinput xcb-xtest xcb-xfixes xcb-res xcb-xkb xcb-randr xkbcommon xkbcommon-x11)
+pkg_check_modules(DBUS REQUIRED IMPORTED_TARGET dbus-1)
 pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
 pkg_check_modules(SOXR REQUIRED IMPORTED_TARGET soxr)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/atspi/AtspiAccessibility.h"
 #include "platform/linux/desktop/JsonUserDefaults.h"
-#include "platform/linux/desktop/NoAccessibility.h"
 #include "platform/linux/desktop/NoLanguageModel.h"
 #include "platform/linux/desktop/XdgFolders.h"
 #include "platform/linux/pulse/PulseAudioInput.h"
@@ -71,7 +71,7 @@ private:
     XTestSyntheticKeyboard keyboard_{keyState_};
     X11Pasteboard pasteboard_;
     SessionWorkspace workspace_;
-    NoAccessibility accessibility_;
+    AtspiAccessibility accessibility_;
     NoLanguageModel languageModel_;
     PulseAudioInput audioInput_;
     SoxrConverterFactory audioConverters_;

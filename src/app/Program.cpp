@@ -73,7 +73,7 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     NoOverlay hud;
     AppModel model(
         adapters.platform(),
-        {.finishing = std::make_unique<NoAI>(), .selection = std::make_unique<NoSelection>(), .hud = hud});
+        {.finishing = std::make_unique<NoAI>(), .selection = nullptr, .hud = hud});
     reportErrors(model);
     const TrayMenu tray(model);
     return QApplication::exec();

@@ -37,12 +37,17 @@ struct AppModel::Collaborators {
           shortcuts(desktop.eventTap), accessibility(desktop.accessibility, desktop.trust, desktop.clock),
           typing(desktop.keyboard, desktop.trust),
           paste(desktop.pasteboard, desktop.keyboard, desktop.trust, desktop.clock),
-          aiSettings(model, desktop.secrets),
+          selections(desktop.accessibility, desktop.workspace, paste, desktop.trust),
+          liveSelection(selections), aiSettings(model, desktop.secrets),
           preferences(model, desktop.userDefaults, [this] { return aiSettings.hasLegacyKey(); }),
           history(model, desktop.folders, desktop.clock), captureLog(model, desktop),
           permissions(model, desktop, shortcuts), router(model, desktop, accessibility, typing, paste),
-          preview(model, desktop, seams.hud), services{desktop,          engine,    *seams.finishing,
-                                                       *seams.selection, seams.hud, tasks},
+          preview(model, desktop, seams.hud), services{desktop,
+                                                       engine,
+                                                       *seams.finishing,
+                                                       seams.selection ? *seams.selection : liveSelection,
+                                                       seams.hud,
+                                                       tasks},
           session(model, services) {}
 
     Platform& platform;
@@ -52,6 +57,8 @@ struct AppModel::Collaborators {
     AXInsertService accessibility;
     TypingService typing;
     PasteService paste;
+    SelectionService selections;
+    LiveSelection liveSelection;
     AISettings aiSettings;
     Preferences preferences;
     History history;

@@ -31,6 +31,7 @@ public:
     /// What a dictation ends in and reads from, beyond the platform.
     struct Seams {
         std::unique_ptr<FinishingOperations> finishing;
+        /// Null for the reading of the application in front.
         std::unique_ptr<SelectionOperations> selection;
         Overlay& hud;
     };

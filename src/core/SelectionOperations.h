@@ -2,7 +2,7 @@
 /// tested without another application.
 #pragma once
 
-#include "delivery/SelectionSnapshot.h"
+#include "delivery/SelectionService.h"
 #include "platform/RunningApplication.h"
 
 #include <QCoro/QCoroTask>
@@ -18,6 +18,9 @@ public:
     /// What is selected in the application; nothing also when it cannot be told. Resumes on the main thread.
     virtual QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication application) = 0;
 
+    /// Whether that is what is still selected. Resumes on the main thread.
+    virtual QCoro::Task<bool> isStillSelected(SelectionSnapshot snapshot) = 0;
+
     /// The text around the cursor, shortened. Main thread, with a deadline.
     virtual std::optional<QString> contextText() = 0;
 };
@@ -26,7 +29,25 @@ public:
 class NoSelection final : public SelectionOperations {
 public:
     QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication application) override;
+    QCoro::Task<bool> isStillSelected(SelectionSnapshot snapshot) override;
     std::optional<QString> contextText() override { return std::nullopt; }
+};
+
+/// Asks the application in front.
+class LiveSelection final : public SelectionOperations {
+public:
+    explicit LiveSelection(SelectionService& service) : service_(service) {}
+
+    QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication application) override {
+        return service_.snapshot(std::move(application));
+    }
+    QCoro::Task<bool> isStillSelected(SelectionSnapshot snapshot) override {
+        return service_.isStillSelected(std::move(snapshot));
+    }
+    std::optional<QString> contextText() override { return service_.contextText(); }
+
+private:
+    SelectionService& service_;
 };
 
 } // namespace velorin

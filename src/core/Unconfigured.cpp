@@ -8,6 +8,8 @@ QCoro::Task<std::optional<SelectionSnapshot>> NoSelection::snapshot(RunningAppli
     co_return std::nullopt;
 }
 
+QCoro::Task<bool> NoSelection::isStillSelected(SelectionSnapshot) { co_return false; }
+
 // aiConfigured() is false, so the session never gets here.
 QCoro::Task<> NoAI::transcribeWithProvider(QString, qint64) { Q_UNREACHABLE(); }
 QCoro::Task<> NoAI::finishGenerate(QString, std::optional<QString>, qint64) { Q_UNREACHABLE(); }

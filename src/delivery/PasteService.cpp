@@ -1,6 +1,9 @@
 #include "delivery/PasteService.h"
 
+#include "platform/Background.h"
+
 #include <algorithm>
+#include <thread>
 
 namespace velorin {
 
@@ -16,7 +19,7 @@ PasteService::~PasteService() {
 }
 
 bool PasteService::insert(const QString& text, const std::optional<RunningApplication>& target) {
-    if (text.isEmpty() || !trust_.isProcessTrusted())
+    if (text.isEmpty() || !trust_.isProcessTrusted() || isCopying_)
         return false;
     const auto selection = keyboard_.pasteSource(target);
     auto& paste = pasteOf(selection);
@@ -86,6 +89,10 @@ void PasteService::lookLater(PasteboardSelection selection, std::chrono::millise
 }
 
 void PasteService::look(PasteboardSelection selection) {
+    if (isCopying_) {
+        lookLater(selection, lookInterval);
+        return;
+    }
     auto& paste = *pasteOf(selection);
     const bool read = wasRead(paste);
     const auto fetches = pasteboard_.fetches(selection).size();
@@ -104,6 +111,37 @@ void PasteService::finish(PasteboardSelection selection, bool read) {
         pasteboard_.restore(selection, paste->saved, paste->changeCount);
     if (!read && onUnverifiedPaste)
         onUnverifiedPaste();
+}
+
+QCoro::Task<std::optional<QString>> PasteService::copySelection(std::optional<RunningApplication> target,
+                                                                std::chrono::milliseconds timeout) {
+    if (!trust_.isProcessTrusted() || isCopying_)
+        co_return std::nullopt;
+    const auto& pending = pasteOf(PasteboardSelection::clipboard);
+    std::optional<PasteboardContents> users;
+    if (pending && isStillOurs(*pending)) // what lies there is a text of ours that passes through
+        users = pending->saved;
+    isCopying_ = true;
+    auto copying = inBackground<std::optional<QString>>(background_, [this, users, target, timeout] {
+        constexpr auto clipboard = PasteboardSelection::clipboard;
+        const auto saved = users ? users : pasteboard_.save(clipboard, copySaveDeadline);
+        const auto before = pasteboard_.changeCount(clipboard);
+        if (!saved || !keyboard_.chord(Chord::copy, target))
+            return std::optional<QString>();
+        const auto deadline = std::chrono::steady_clock::now() + timeout;
+        while (std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(copyStep);
+            if (pasteboard_.changeCount(clipboard) == before)
+                continue;
+            auto text = pasteboard_.read(clipboard, copyReadDeadline);
+            pasteboard_.restore(clipboard, *saved, pasteboard_.changeCount(clipboard));
+            return text;
+        }
+        return std::optional<QString>();
+    });
+    auto copied = co_await copying;
+    isCopying_ = false;
+    co_return copied;
 }
 
 } // namespace velorin

@@ -15,6 +15,9 @@
 #include "platform/SyntheticKeyboard.h"
 #include "platform/Trust.h"
 
+#include <QCoro/QCoroTask>
+#include <QThreadPool>
+
 #include <array>
 
 namespace velorin {
@@ -28,6 +31,11 @@ public:
     /// How long a second paste waits for the application to read the text of the first one.
     static constexpr std::chrono::milliseconds earlierPasteDeadline{300};
     static constexpr std::chrono::milliseconds lookInterval{100};
+    /// A copy is looked for in steps of this, and what it brought is read within that.
+    static constexpr std::chrono::milliseconds copyStep{20};
+    static constexpr std::chrono::milliseconds copyReadDeadline{100};
+    /// A copy is made while the user speaks: it saves less patiently than a paste.
+    static constexpr std::chrono::milliseconds copySaveDeadline{200};
 
     PasteService(Pasteboard& pasteboard, SyntheticKeyboard& keyboard, Trust& trust, Clock& clock);
     /// Content that is still to come back is given back at once.
@@ -36,10 +44,16 @@ public:
     PasteService& operator=(const PasteService&) = delete;
 
     /// True when the text is on the clipboard and the keystroke was posted. False without a trace on empty
-    /// text, without permission, when the user's content cannot be saved in time, or while an earlier text
-    /// still waits to be read. When only the keystroke fails, the text deliberately stays on the clipboard,
-    /// for the user to paste by hand.
+    /// text, without permission, when the user's content cannot be saved in time, while an earlier text
+    /// still waits to be read, or while a selection is being copied. When only the keystroke fails, the text
+    /// deliberately stays on the clipboard, for the user to paste by hand.
     [[nodiscard]] bool insert(const QString& text, const std::optional<RunningApplication>& target);
+
+    /// Has the application copy what is selected in it, and gives that as text; the user's content comes back
+    /// at once. Nothing, and nothing changed, when nothing was copied by the timeout, or what would have to
+    /// come back cannot be saved. What waits, waits on another thread.
+    [[nodiscard]] QCoro::Task<std::optional<QString>> copySelection(std::optional<RunningApplication> target,
+                                                                    std::chrono::milliseconds timeout);
 
     /// Called when nobody read a text that `insert` had answered true for.
     std::function<void()> onUnverifiedPaste;
@@ -69,6 +83,8 @@ private:
     Trust& trust_;
     Clock& clock_;
     std::array<std::optional<Paste>, 2> pastes_;
+    bool isCopying_ = false; ///< Then the selection belongs to the copy: nothing else touches it.
+    QThreadPool background_; ///< Last: its end waits for what runs.
 };
 
 } // namespace velorin

@@ -61,6 +61,7 @@ public:
         co_await gate.opened();
         co_return answer;
     }
+    QCoro::Task<bool> isStillSelected(SelectionSnapshot) override { co_return true; }
     std::optional<QString> contextText() override {
         ++contextReads;
         return context;

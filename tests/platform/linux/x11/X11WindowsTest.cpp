@@ -82,11 +82,54 @@ TEST(X11Windows, FindsAWindowOfTheProcessWhereNoneIsGiven) {
     EXPECT_TRUE(only.waitFor([](const auto& event) { return (event.response_type & 0x7f) == XCB_FOCUS_IN; }));
 }
 
+TEST(X11Windows, WaitsUntilTheApplicationIsInFront) {
+    PrivateServer server;
+    server.startWindowManager({"openbox"});
+    X11Windows windows;
+    TestWindow window("first", "First");
+    ASSERT_TRUE(isActive(windows, window));
+    auto target = windows.frontmostApplication().value();
+    EXPECT_TRUE(windows.awaitFrontmost(target, Deadline(0ms)));
+    xcb_unmap_window(window.connection().get(), window.id());
+    window.connection().sync(Deadline(5s));
+    ASSERT_FALSE(windows.awaitFrontmost(target, Deadline(150ms)));
+    xcb_map_window(window.connection().get(), window.id());
+    window.connection().sync(Deadline(5s));
+    EXPECT_TRUE(windows.awaitFrontmost(target, Deadline(5s)));
+}
+
+TEST(X11Windows, GivesAStrangerInFrontAwayAfterTheDeadline) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow window;
+    window.focus();
+    auto target = windows.frontmostApplication().value();
+    target.processIdentifier = 1;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(windows.awaitFrontmost(target, Deadline(50ms)));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 500ms);
+}
+
+TEST(X11Windows, ReadsTheTitleOfTheWindow) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow window("firefox", "firefox-esr");
+    window.focus();
+    const auto browser = windows.frontmostApplication().value();
+    EXPECT_EQ(windows.titleOf(browser), std::nullopt);
+    window.setProperty("WM_NAME", "STRING", "old name");
+    EXPECT_EQ(windows.titleOf(browser), u"old name"_s);
+    window.setProperty("_NET_WM_NAME", "UTF8_STRING", "Inbox — Gmail");
+    EXPECT_EQ(windows.titleOf(browser), u"Inbox — Gmail"_s);
+}
+
 TEST(X11Windows, SeesNobodyWithoutAServer) {
     unsetenv("DISPLAY");
     X11Windows windows;
     EXPECT_EQ(windows.frontmostApplication(), std::nullopt);
     windows.activate(RunningApplication());
+    EXPECT_FALSE(windows.awaitFrontmost(RunningApplication(), Deadline(1s)));
+    EXPECT_EQ(windows.titleOf(RunningApplication()), std::nullopt);
 }
 
 } // namespace

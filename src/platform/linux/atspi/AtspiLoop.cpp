@@ -1,0 +1,216 @@
+#include "platform/linux/atspi/AtspiLoop.h"
+
+#include <algorithm>
+
+namespace velorin {
+
+namespace {
+
+constexpr char registry[] = "org.a11y.atspi.Registry";
+constexpr char rootPath[] = "/org/a11y/atspi/accessible/root";
+constexpr char accessibleInterface[] = "org.a11y.atspi.Accessible";
+constexpr char textInterface[] = "org.a11y.atspi.Text";
+constexpr char objectEvents[] = "org.a11y.atspi.Event.Object";
+constexpr char windowEvents[] = "org.a11y.atspi.Event.Window";
+
+constexpr unsigned activeState = 1;
+constexpr unsigned focusedState = 12;
+
+constexpr std::size_t mostFocused = 16;
+constexpr int mostSearched = 300;
+
+std::string eventRule(const std::string& interface, const std::string& rest) {
+    return "type='signal',interface='" + interface + "'," + rest;
+}
+
+} // namespace
+
+AtspiLoop::AtspiLoop(BusConnection& bus, std::function<bool()> isWanted)
+    : bus_(bus), isWanted_(std::move(isWanted)) {
+    bus_.addMatch(eventRule(objectEvents, "member='StateChanged',arg0='focused'"));
+    bus_.addMatch(eventRule(windowEvents, "member='Activate'"));
+    bus_.addMatch(eventRule(DBUS_INTERFACE_DBUS, "member='NameOwnerChanged'"));
+    subscribe();
+    // What had the keyboard before we came tells nobody of it any more.
+    AtspiOperation operation(callDeadline);
+    for (const auto& application : applications(operation))
+        searches_.emplace(application.owner, Deadline(std::chrono::milliseconds(0)));
+}
+
+void AtspiLoop::subscribe() {
+    for (const auto* event : {"object:state-changed:focused", "window:activate"})
+        (void)bus_.send({{registry, "/org/a11y/atspi/registry"}, registry, "RegisterEvent", {event}});
+}
+
+void AtspiLoop::serve() {
+    while (const auto signal = bus_.takeSignal())
+        take(*signal);
+    const auto due = std::ranges::find_if(searches_, [](const auto& s) { return s.second.hasPassed(); });
+    if (due == searches_.end())
+        return;
+    const BusObject application{due->first, rootPath};
+    searches_.erase(due);
+    AtspiOperation operation(callDeadline);
+    (void)searchIn(application, operation);
+}
+
+int AtspiLoop::pollTimeout() const {
+    int timeout = -1;
+    for (const auto& [owner, deadline] : searches_)
+        timeout = timeout < 0 ? deadline.pollTimeout() : std::min(timeout, deadline.pollTimeout());
+    return timeout;
+}
+
+void AtspiLoop::take(DBusMessage& signal) {
+    const auto* sender = dbus_message_get_sender(&signal);
+    const auto* path = dbus_message_get_path(&signal);
+    if (!sender || !path)
+        return;
+    BusReader reader(signal);
+    if (dbus_message_is_signal(&signal, objectEvents, "StateChanged")) {
+        if (reader.string() == "focused")
+            focusMoved({sender, path}, reader.int32().value_or(0) != 0);
+    } else if (dbus_message_is_signal(&signal, windowEvents, "Activate")) {
+        searches_.emplace(sender, Deadline(focusPatience));
+    } else if (dbus_message_is_signal(&signal, DBUS_INTERFACE_DBUS, "NameOwnerChanged")) {
+        const auto name = reader.string().value_or("");
+        (void)reader.string();
+        const auto owner = reader.string().value_or("");
+        if (owner.empty())
+            forget(name);
+        else if (name == registry)
+            subscribe(); // a new registry knows of nobody's wishes
+    }
+}
+
+void AtspiLoop::focusMoved(const BusObject& element, bool isThere) {
+    std::erase(focused_, element);
+    if (!isThere)
+        return;
+    searches_.erase(element.owner);
+    focused_.push_back(element);
+    if (focused_.size() > mostFocused)
+        focused_.erase(focused_.begin());
+}
+
+void AtspiLoop::forget(const std::string& owner) {
+    std::erase_if(focused_, [&](const BusObject& element) { return element.owner == owner; });
+    processes_.erase(owner);
+    toolkits_.erase(owner);
+    searches_.erase(owner);
+}
+
+std::optional<BusObject> AtspiLoop::focused(std::int64_t process, AtspiOperation& operation) {
+    serve();
+    const auto isAskedFor = [&](const BusObject& element) {
+        return process == 0 || processOf(element.owner, operation) == process;
+    };
+    std::optional<BusObject> withoutText;
+    const auto known = focused_;
+    for (auto element = known.rbegin(); element != known.rend(); ++element) {
+        if (!isAskedFor(*element) || !isInState(*element, focusedState, operation))
+            continue;
+        // Of several that are told of, some are only the frames of others.
+        if (has(*element, textInterface, operation))
+            return *element;
+        if (!withoutText)
+            withoutText = *element;
+    }
+    if (withoutText || process == 0)
+        return withoutText;
+    // Not told of yet, or told before we listened.
+    std::optional<BusObject> found;
+    for (const auto& application : applications(operation))
+        if (!found && isAskedFor(application))
+            found = searchIn(application, operation);
+    return found;
+}
+
+std::vector<BusObject> AtspiLoop::applications(AtspiOperation& operation) {
+    return children({registry, rootPath}, operation);
+}
+
+std::optional<BusObject> AtspiLoop::searchIn(const BusObject& application, AtspiOperation& operation) {
+    for (const auto& window : children({application.owner, rootPath}, operation)) {
+        if (!isInState(window, activeState, operation))
+            continue;
+        int budget = mostSearched;
+        auto element = focusBelow(window, budget, operation);
+        if (!element)
+            continue;
+        focusMoved(*element, true);
+        return element;
+    }
+    return std::nullopt;
+}
+
+std::optional<BusObject> AtspiLoop::focusBelow(const BusObject& element, int& budget,
+                                               AtspiOperation& operation) {
+    for (const auto& child : children(element, operation)) {
+        if (--budget <= 0 || operation.end.hasPassed() || isWanted_())
+            return std::nullopt;
+        if (isInState(child, focusedState, operation))
+            return child;
+        if (const auto found = focusBelow(child, budget, operation))
+            return found;
+    }
+    return std::nullopt;
+}
+
+BusMessage AtspiLoop::ask(const BusCall& call, AtspiOperation& operation) {
+    const auto& owner = call.object.owner;
+    if (operation.end.hasPassed() || operation.silent.contains(owner))
+        return nullptr;
+    const Deadline own(callDeadline);
+    auto reply = bus_.call(call, std::min(own, operation.end, [](const Deadline& a, const Deadline& b) {
+                               return a.time() < b.time();
+                           }));
+    if (!reply && bus_.hasTimedOut())
+        operation.silent.insert(owner);
+    return reply;
+}
+
+std::vector<BusObject> AtspiLoop::children(const BusObject& element, AtspiOperation& operation) {
+    const auto reply = ask({element, accessibleInterface, "GetChildren", {}}, operation);
+    return reply ? BusReader(*reply).objects().value_or(std::vector<BusObject>{}) : std::vector<BusObject>{};
+}
+
+bool AtspiLoop::has(const BusObject& element, const char* interface, AtspiOperation& operation) {
+    const auto reply = ask({element, accessibleInterface, "GetInterfaces", {}}, operation);
+    const auto interfaces = reply ? BusReader(*reply).strings() : std::nullopt;
+    return interfaces && std::ranges::find(*interfaces, interface) != interfaces->end();
+}
+
+bool AtspiLoop::isInState(const BusObject& element, unsigned state, AtspiOperation& operation) {
+    const auto reply = ask({element, accessibleInterface, "GetState", {}}, operation);
+    const auto bits = reply ? BusReader(*reply).uint32s() : std::nullopt;
+    return bits && state / 32 < bits->size() && ((*bits)[state / 32] >> (state % 32) & 1U) != 0;
+}
+
+std::int64_t AtspiLoop::processOf(const std::string& owner, AtspiOperation& operation) {
+    const auto known = processes_.find(owner);
+    if (known != processes_.end())
+        return known->second;
+    const auto process = bus_.processOf(owner, operation.end);
+    if (process != 0)
+        processes_.emplace(owner, process);
+    return process;
+}
+
+std::string AtspiLoop::toolkitOf(const std::string& owner, AtspiOperation& operation) {
+    const auto known = toolkits_.find(owner);
+    if (known != toolkits_.end())
+        return known->second;
+    const auto reply = ask({{owner, rootPath},
+                            DBUS_INTERFACE_PROPERTIES,
+                            "Get",
+                            {std::string("org.a11y.atspi.Application"), std::string("ToolkitName")}},
+                           operation);
+    auto held = reply ? BusReader(*reply).variant() : std::nullopt;
+    const auto name = held ? held->string() : std::nullopt;
+    if (name)
+        toolkits_.emplace(owner, *name);
+    return name.value_or("");
+}
+
+} // namespace velorin

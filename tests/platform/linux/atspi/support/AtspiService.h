@@ -1,0 +1,68 @@
+/// The accessibility bus, its registry and one application with one field of text, all by one test: it
+/// answers as told, which may be late, never, or with nonsense.
+///
+///     AtspiService service(bus.address());
+///     service.change([](auto& s) { s.text = u"Hello"_s; });
+///     service.tellFocus(true);
+#pragma once
+
+#include <dbus/dbus.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+
+namespace velorin {
+
+class AtspiService final {
+public:
+    struct State {
+        QString text;
+        int caret = 0; ///< In what this toolkit counts in, like the selection.
+        int start = 0;
+        int end = 0;
+        unsigned role = 61;
+        bool isFocused = true;
+        bool isEditable = true;
+        bool hasText = true;
+        std::string toolkit = "gtk";
+        std::set<std::string> silent;   ///< Methods that are never answered.
+        std::set<std::string> nonsense; ///< Methods that are answered with something else.
+        std::set<std::string> lies;     ///< Methods that say yes and do nothing.
+        std::set<std::string> refuses;  ///< Methods that say no.
+        bool isEnabled = false;
+        QStringList calls;
+    };
+
+    explicit AtspiService(const std::string& address);
+    ~AtspiService();
+    AtspiService(const AtspiService&) = delete;
+    AtspiService& operator=(const AtspiService&) = delete;
+
+    void change(const std::function<void(State&)>& change);
+    [[nodiscard]] State state();
+    /// The event that a field sends when it gets the keyboard, or loses it.
+    void tellFocus(bool isThere);
+
+private:
+    void run();
+    void answer(DBusMessage& call);
+    bool fill(DBusMessage& reply, DBusMessage& call, const std::string& method);
+    void property(DBusMessage& reply, DBusMessage& call);
+    bool write(DBusMessage& call, const std::string& method);
+    [[nodiscard]] QString between(int start, int end) const;
+    [[nodiscard]] int count() const;
+
+    std::mutex mutex_;
+    State state_;
+    DBusConnection* connection_ = nullptr;
+    bool isStopping_ = false;
+    std::thread thread_;
+};
+
+} // namespace velorin
