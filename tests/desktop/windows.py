@@ -4,6 +4,7 @@ import os
 import waiting
 from Xlib import X, display
 from Xlib.error import XError
+from Xlib.protocol import event
 
 
 
@@ -62,6 +63,17 @@ class Windows:
         """Visible windows of the process that no window manager frames: menus, for instance."""
         return {window.id for window in self.root.query_tree().children
                 if self.is_visible(window) and window.get_attributes().override_redirect and self.pid(window) == pid}
+
+    def is_active(self, window) -> bool:
+        active = self.active()
+        return active is not None and active.id == window.id
+
+    def bring_to_front(self, window):
+        """As the user does with a panel: the window manager is asked on the user's behalf."""
+        data = (32, [2, X.CurrentTime, 0, 0, 0])
+        message = event.ClientMessage(window=window, client_type=self.display.intern_atom("_NET_ACTIVE_WINDOW"), data=data)
+        self.root.send_event(message, X.SubstructureNotifyMask | X.SubstructureRedirectMask)
+        self.display.flush()
 
     def corner(self, window) -> tuple[int, int]:
         """Its upper left corner in pixels of the screen."""

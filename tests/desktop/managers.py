@@ -1,0 +1,66 @@
+"""Clipboard managers: which of them keep a dictated text in their history."""
+import os
+import shutil
+import subprocess
+import time
+from typing import NamedTuple
+
+import clipboard
+import waiting
+from applications.target import Target
+from delivery import Delivery
+from program import Program
+
+
+class Manager(NamedTuple):
+    name: str
+    command: list[str]
+    end: list[str] | None = None  # how it is asked to write its history; None: by a signal
+
+
+MANAGERS = [
+    Manager("CopyQ", ["copyq"], ["copyq", "exit"]),
+    Manager("Xfce Clipman", ["xfce4-clipman"]),
+    Manager("Parcellite", ["parcellite", "-n"]),
+    Manager("ClipIt", ["clipit", "-n"]),
+    Manager("Diodon", ["diodon"]),
+]
+_OWN = "the user has copied this for herself"
+_DICTATED = "a dictated text that nobody should keep"
+
+
+def _is_kept(text: str) -> bool:
+    """Whether any file of the home holds it, in one of the ways in which histories are written."""
+    wanted = [text.encode(), text.encode("utf-16-le"), text.encode("utf-16-be")]
+    for folder, _, files in os.walk(os.environ["HOME"]):
+        for name in files:
+            try:
+                with open(os.path.join(folder, name), "rb") as file:
+                    content = file.read()
+            except OSError:
+                continue
+            if any(each in content for each in wanted):
+                return True
+    return False
+
+
+def check(manager: Manager, target: Target, delivery: Delivery) -> str:
+    """What it keeps, in a few words."""
+    if shutil.which(manager.command[0]) is None:
+        return "not checked"
+    with Program(manager.command) as running:
+        # It has taken its place when it looks at what is copied; what it does not keep of the user tells nothing.
+        time.sleep(3)
+        clipboard.write(_OWN.encode())
+        time.sleep(2)
+        target.clear()
+        delivery.aim()
+        delivery.insert(_DICTATED + "\n")
+        waiting.until("the text", 5, lambda: _DICTATED in target.state().text)
+        time.sleep(2)
+        if manager.end is not None:
+            subprocess.run(manager.end, timeout=10, capture_output=True)
+            running.wait_for_end(10)
+    if not _is_kept(_OWN):
+        return "not told: it wrote no history"
+    return "**keeps the dictated text**" if _is_kept(_DICTATED) else "does not keep it"

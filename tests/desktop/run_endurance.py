@@ -1,0 +1,80 @@
+"""run_endurance.py COUNT: so many insertions in a row, 0 to 1 s apart, into applications taken in turn.
+
+Ends with 1 unless every text is exact, the clipboard is as before, and neither the program's memory nor what it
+holds in the X server has grown.
+"""
+import random
+import sys
+import time
+
+import accessible
+import clipboard
+import waiting
+from applications import QUICK
+from applications.target import Target
+from delivery import Delivery
+from user import User
+from windows import Windows
+
+_COPIED = b"what the user copied before all of it"
+_WARM_UP = 40
+_GROWTH_KILOBYTES = 4096
+
+
+def memory(pid: int) -> int:
+    with open(f"/proc/{pid}/status", encoding="ascii") as status:
+        return next(int(line.split()[1]) for line in status if line.startswith("VmRSS"))
+
+
+def windows_of_all(windows: Windows) -> int:
+    return sum(1 for _ in windows.all_below(windows.root))
+
+
+def bring_to_front(windows: Windows, target: Target):
+    windows.bring_to_front(target.window)
+    waiting.until(f"{target.name} in front", 5, lambda: windows.is_active(target.window))
+
+
+def insert(target: Target, delivery: Delivery, number: int) -> str:
+    """What is wrong; empty if nothing is."""
+    target.clear()
+    target.wait_for(target.state()._replace(text="", start=0, end=0))
+    text = f"Insertion number {number}: „Grüße“."
+    delivery.aim()
+    reply = delivery.insert(text)
+    try:
+        waiting.until("the text", 6, lambda: target.state().text == text)
+    except waiting.TookTooLong:
+        return f"{number} {target.name} {reply.path!r}: {target.state().text!r}, told {reply.told!r}"
+    return ""
+
+
+def main(count: int) -> int:
+    windows, user = Windows(), User()
+    accessible.switch_on()
+    chance = random.Random(1)
+    wrong = []
+    with Delivery() as delivery:
+        targets = [row(windows, user) for row in QUICK]
+        for target in targets:
+            target.start()
+        clipboard.write(_COPIED)
+        for number in range(count):
+            target = targets[number % len(targets)]
+            bring_to_front(windows, target)
+            if fault := insert(target, delivery, number):
+                wrong.append(fault)
+                print(fault, flush=True)
+            if number == _WARM_UP:
+                before = memory(delivery.pid), windows_of_all(windows)
+            time.sleep(chance.random() if number % 2 else 0)  # people pause as they like
+        waiting.until("the clipboard as before", 10, lambda: clipboard.read() == _COPIED)
+        after = memory(delivery.pid), windows_of_all(windows)
+        for target in targets:
+            target.close()
+    print(f"{count - len(wrong)} of {count} exact; memory {before[0]} kB, then {after[0]} kB; "
+          f"windows {before[1]}, then {after[1]}", flush=True)
+    return 1 if wrong or after[0] - before[0] > _GROWTH_KILOBYTES or after[1] > before[1] + 2 else 0
+
+
+sys.exit(main(int(sys.argv[1])))
