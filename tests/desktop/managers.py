@@ -25,8 +25,8 @@ MANAGERS = [
     Manager("ClipIt", ["clipit", "-n"]),
     Manager("Diodon", ["diodon"]),
 ]
-_OWN = "the user has copied this for herself"
-_DICTATED = "a dictated text that nobody should keep"
+_OWN = "copied by the user herself beside "
+_DICTATED = "dictated, and nobody should keep it, beside "
 
 
 def _is_kept(text: str) -> bool:
@@ -48,19 +48,20 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
     """What it keeps, in a few words."""
     if shutil.which(manager.command[0]) is None:
         return "not checked"
+    own, dictated = _OWN + manager.name, _DICTATED + manager.name
     with Program(manager.command) as running:
         # It has taken its place when it looks at what is copied; what it does not keep of the user tells nothing.
         time.sleep(3)
-        clipboard.write(_OWN.encode())
+        clipboard.write(own.encode())
         time.sleep(2)
         target.clear()
         delivery.aim()
-        delivery.insert(_DICTATED + "\n")
-        waiting.until("the text", 5, lambda: _DICTATED in target.state().text)
+        delivery.insert(dictated + "\n")
+        waiting.until("the text", 5, lambda: dictated in target.state().text)
         time.sleep(2)
         if manager.end is not None:
             subprocess.run(manager.end, timeout=10, capture_output=True)
             running.wait_for_end(10)
-    if not _is_kept(_OWN):
+    if not _is_kept(own):
         return "not told: it wrote no history"
-    return "**keeps the dictated text**" if _is_kept(_DICTATED) else "does not keep it"
+    return "**keeps the dictated text**" if _is_kept(dictated) else "does not keep it"

@@ -72,7 +72,4 @@ class Emacs(Telling):
         self.run_in_front("emacs", "-Q", "-l", os.path.join(TARGETS, "buffer.el"), VELORIN_TOLD=self.file)
 
     def clear(self):
-        self.user.chord("Control_L", "g")
-        self.user.chord("Control_L", "x")
-        self.user.tap("h")
-        self.user.tap("Delete")
+        self.user.tap("F5")
