@@ -9,6 +9,7 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET
     xcb xcb-xinput xcb-xtest xcb-xfixes xcb-res xcb-xkb xcb-randr xkbcommon xkbcommon-x11)
 pkg_check_modules(DBUS REQUIRED IMPORTED_TARGET dbus-1)
 pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
+pkg_check_modules(LIBSECRET REQUIRED IMPORTED_TARGET libsecret-1)
 pkg_check_modules(SOXR REQUIRED IMPORTED_TARGET soxr)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 include(${CMAKE_CURRENT_LIST_DIR}/SherpaOnnx.cmake)
@@ -24,5 +25,5 @@ find_program(VELORIN_CCACHE ccache)
 if(VELORIN_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER
       ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
-      CCACHE_SLOPPINESS=pch_defines,time_macros ${VELORIN_CCACHE})
+      CCACHE_SLOPPINESS=pch_defines,time_macros ${CMAKE_SOURCE_DIR}/scripts/compile)
 endif()

@@ -2,13 +2,15 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/account/PasswdAccount.h"
 #include "platform/linux/atspi/AtspiAccessibility.h"
 #include "platform/linux/desktop/JsonUserDefaults.h"
 #include "platform/linux/desktop/NoLanguageModel.h"
 #include "platform/linux/desktop/XdgFolders.h"
+#include "platform/linux/network/QtHttpSession.h"
 #include "platform/linux/pulse/PulseAudioInput.h"
 #include "platform/linux/recognition/SherpaRecognition.h"
-#include "platform/linux/secrets/NoSecretStore.h"
+#include "platform/linux/secrets/LibSecretStore.h"
 #include "platform/linux/sound/SndfileWriter.h"
 #include "platform/linux/sound/SoxrConverter.h"
 #include "platform/linux/x11/X11EventTap.h"
@@ -64,7 +66,7 @@ private:
     Clock& clock_;
     JsonUserDefaults userDefaults_{JsonUserDefaults::defaultPath()};
     XdgFolders folders_;
-    NoSecretStore secrets_;
+    LibSecretStore secrets_;
     SessionTrust trust_;
     SharedKeyState keyState_;
     X11EventTap eventTap_{keyState_};
@@ -78,6 +80,9 @@ private:
     SndfileFactory audioFiles_;
     SherpaRecognition recognition_;
     LatencyMarks marks_;
+    QtHttpSession chatSession_{clock_, QtHttpSession::chat};
+    QtHttpSession transcriptionSession_{clock_, QtHttpSession::transcription};
+    PasswdAccount userAccount_;
     Platform platform_;
 };
 

@@ -71,9 +71,7 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     Adapters adapters(clock, [&instance] { instance.giveUp(); });
     const Diagnostics diagnostics(adapters.platform().marks);
     NoOverlay hud;
-    AppModel model(
-        adapters.platform(),
-        {.finishing = std::make_unique<NoAI>(), .selection = nullptr, .hud = hud});
+    AppModel model(adapters.platform(), {.finishing = nullptr, .selection = nullptr, .hud = hud});
     reportErrors(model);
     const TrayMenu tray(model);
     return QApplication::exec();

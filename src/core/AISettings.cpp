@@ -1,9 +1,19 @@
 #include "core/AISettings.h"
 
+#include "ai/Endpoint.h"
 #include "core/AppModel.h"
 #include "text/WhiteSpace.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace velorin {
+namespace {
+
+QString trimmedText(const QString& text) {
+    return WhiteSpace::trimmed(text, WhiteSpace::Set::whitespacesAndNewlines).toString();
+}
+
+} // namespace
 
 AISettings::AISettings(AppModel& model, SecretStore& secrets) : model_(model), keychain_(secrets) {}
 
@@ -30,7 +40,7 @@ void AISettings::selectProvider(AIProvider provider) {
 bool AISettings::saveKey(const QString& key) {
     if (model_.aiProvider() == AIProvider::apple)
         return false;
-    const QString trimmed = WhiteSpace::trimmed(key, WhiteSpace::Set::whitespacesAndNewlines).toString();
+    const QString trimmed = trimmedText(key);
     if (trimmed.isEmpty())
         return false;
     const bool saved = keychain_.save(trimmed, model_.aiProvider());
@@ -41,6 +51,21 @@ bool AISettings::saveKey(const QString& key) {
 void AISettings::refreshKeyState() {
     const bool takesKey = model_.aiProvider() != AIProvider::apple;
     model_.setAIKeyConfigured(takesKey && !keychain_.read(model_.aiProvider()).value_or(QString()).isEmpty());
+}
+
+std::optional<AIConfiguration> AISettings::configuration(bool modelAvailable) const {
+    const AIProvider provider = model_.aiProvider();
+    if (provider == AIProvider::apple)
+        return modelAvailable ? std::optional(AIConfiguration{provider, {}, u"Apple Intelligence"_s, {}})
+                              : std::nullopt;
+    AIConfiguration configuration{
+        provider, trimmedText(model_.aiEndpoint()), trimmedText(model_.aiModel()), {}};
+    if (configuration.endpoint.isEmpty() || configuration.model.isEmpty())
+        return std::nullopt;
+    configuration.apiKey = keychain_.read(provider).value_or(QString());
+    if (configuration.apiKey.isEmpty() && !Endpoint::isLocal(configuration.endpoint))
+        return std::nullopt;
+    return configuration;
 }
 
 bool AISettings::hasLegacyKey() const {

@@ -1,9 +1,12 @@
 #include "core/AppModel.h"
 
+#include "ai/AIService.h"
+#include "core/AIReadiness.h"
 #include "core/AISettings.h"
 #include "core/CaptureLog.h"
 #include "core/DictationServices.h"
 #include "core/DictationSession.h"
+#include "core/FinishingFlows.h"
 #include "core/GenerateTrigger.h"
 #include "core/History.h"
 #include "core/InsertionRouter.h"
@@ -42,12 +45,11 @@ struct AppModel::Collaborators {
           preferences(model, desktop.userDefaults, [this] { return aiSettings.hasLegacyKey(); }),
           history(model, desktop.folders, desktop.clock), captureLog(model, desktop),
           permissions(model, desktop, shortcuts), router(model, desktop, accessibility, typing, paste),
-          preview(model, desktop, seams.hud), services{desktop,
-                                                       engine,
-                                                       *seams.finishing,
-                                                       seams.selection ? *seams.selection : liveSelection,
-                                                       seams.hud,
-                                                       tasks},
+          preview(model, desktop, seams.hud),
+          ai(desktop.chatSession, desktop.transcriptionSession, desktop.languageModel, desktop.userAccount),
+          selection(seams.selection ? *seams.selection : static_cast<SelectionOperations&>(liveSelection)),
+          flows(model, {ai, aiSettings, selection, seams.hud, desktop.languageModel, desktop.marks}),
+          services{desktop, engine, seams.finishing ? *seams.finishing : flows, selection, seams.hud, tasks},
           session(model, services) {}
 
     Platform& platform;
@@ -66,6 +68,9 @@ struct AppModel::Collaborators {
     Permissions permissions;
     InsertionRouter router;
     OverlayPreview preview;
+    AIService ai;
+    SelectionOperations& selection;
+    FinishingFlows flows;
     DictationServices services;
     DictationSession session;
     MainTasks tasks;
@@ -74,11 +79,13 @@ struct AppModel::Collaborators {
 AppModel::AppModel(Platform& platform, Seams seams)
     : parts_(std::make_unique<Collaborators>(*this, platform, std::move(seams))) {
     parts_->preferences.load();
-    parts_->aiSettings.migrateLegacyKey(
-        aiProvider() != AIProvider::apple ? aiProvider() : parts_->preferences.inferAIProvider());
+    migrateLegacyKey();
     refreshAIKeyState();
     parts_->history.load();
+    parts_->captureLog.mend();
     refreshCaptureStatus();
+    wireAIReadiness();
+    wireSecrets();
     wireShortcuts();
     applyActivation();
     refreshPermissions();
@@ -111,6 +118,30 @@ void AppModel::wireShortcuts() {
                 tr("Text may not have reached the app — it's in the transcript above if you need Copy."));
     };
     parts_->paste.onUnverifiedPaste = parts_->accessibility.onUnverifiedInsert;
+}
+
+void AppModel::migrateLegacyKey() {
+    parts_->aiSettings.migrateLegacyKey(
+        aiProvider() != AIProvider::apple ? aiProvider() : parts_->preferences.inferAIProvider());
+}
+
+void AppModel::wireSecrets() {
+    const QPointer<AppModel> weak = this;
+    parts_->platform.secrets.setOnChanged([weak] {
+        if (!weak)
+            return;
+        weak->migrateLegacyKey();
+        weak->refreshAIKeyState();
+    });
+}
+
+void AppModel::wireAIReadiness() {
+    for (const auto signal :
+         {&AppState::aiProviderChanged, &AppState::aiEndpointChanged, &AppState::aiModelChanged,
+          &AppState::aiKeyConfiguredChanged, &AppState::aiEnabledChanged, &AppState::aiPolishEnabledChanged,
+          &AppState::aiGenerateEnabledChanged, &AppState::aiTranscriptionEnabledChanged,
+          &AppState::aiTranscriptionModelChanged})
+        connect(this, signal, this, &AppModel::aiReadinessChanged);
 }
 
 void AppModel::handleShortcutEvent(ShortcutEvent event) { parts_->session.handleShortcutEvent(event); }
@@ -196,10 +227,21 @@ void AppModel::applyActivation() { parts_->permissions.applyActivation(); }
 void AppModel::relaunch() { parts_->permissions.relaunch(); }
 ShortcutBackend& AppModel::shortcuts() { return parts_->shortcuts; }
 
-bool AppModel::aiConfigured() const { return parts_->seams.finishing->aiConfigured(); }
+bool AppModel::aiConfigured() const { return parts_->services.finishing.aiConfigured(); }
+bool AppModel::aiRunsOnDevice() const { return AIReadiness::runsOnDevice(*this); }
 bool AppModel::providerTranscriptionActive() const {
-    return parts_->seams.finishing->providerTranscriptionActive();
+    return parts_->services.finishing.providerTranscriptionActive();
 }
+bool AppModel::aiReady() const {
+    return AIReadiness::isReady(*this, parts_->platform.languageModel.isAvailable());
+}
+std::optional<AIConfiguration> AppModel::aiConfiguration() const {
+    return parts_->aiSettings.configuration(parts_->platform.languageModel.isAvailable());
+}
+QString AppModel::appleIntelligenceAvailabilityDescription() const {
+    return parts_->ai.appleIntelligenceAvailabilityDescription();
+}
+QCoro::Task<QString> AppModel::testAIConnection() { return parts_->flows.testAIConnection(); }
 QString AppModel::generateTriggerDisplay() const { return GenerateTrigger::display(aiGenerateTrigger()); }
 void AppModel::selectAIProvider(AIProvider provider) { parts_->aiSettings.selectProvider(provider); }
 bool AppModel::saveAIKey(const QString& key) { return parts_->aiSettings.saveKey(key); }

@@ -4,10 +4,11 @@
 /// The work is done by collaborators named after what they do (DictationSession, InsertionRouter, History …);
 /// what happens when a dictation stops is read in DictationSession.cpp.
 ///
-///     AppModel model(platform, {.finishing = …, .selection = …, .hud = overlay});
+///     AppModel model(platform, {.finishing = nullptr, .selection = …, .hud = overlay});
 ///     model.toggleDictation();
 #pragma once
 
+#include "ai/AIConfiguration.h"
 #include "core/AppState.h"
 #include "core/FinishingOperations.h"
 #include "core/Overlay.h"
@@ -27,8 +28,16 @@ struct Platform;
 
 class AppModel final : public AppState {
     Q_OBJECT
+
+    Q_PROPERTY(bool aiConfigured READ aiConfigured NOTIFY aiReadinessChanged)
+    Q_PROPERTY(bool aiRunsOnDevice READ aiRunsOnDevice NOTIFY aiReadinessChanged)
+    Q_PROPERTY(bool providerTranscriptionActive READ providerTranscriptionActive NOTIFY aiReadinessChanged)
+    Q_PROPERTY(bool aiReady READ aiReady NOTIFY aiReadinessChanged)
+    Q_PROPERTY(QString generateTriggerDisplay READ generateTriggerDisplay NOTIFY aiGenerateTriggerChanged)
+
 public:
-    /// What a dictation ends in and reads from, beyond the platform.
+    /// What a dictation ends in and reads from, beyond the platform. Without `finishing` the model's own
+    /// flows ask the provider.
     struct Seams {
         std::unique_ptr<FinishingOperations> finishing;
         /// Null for the reading of the application in front.
@@ -89,8 +98,16 @@ public:
 
     // AI.
     [[nodiscard]] bool aiConfigured() const;
+    [[nodiscard]] bool aiRunsOnDevice() const;
     [[nodiscard]] bool providerTranscriptionActive() const;
+    [[nodiscard]] bool aiReady() const;
     [[nodiscard]] QString generateTriggerDisplay() const;
+    /// What a call to the provider would be made with now; reads the key.
+    [[nodiscard]] std::optional<AIConfiguration> aiConfiguration() const;
+    /// Why the machine's own model can or cannot be used now.
+    [[nodiscard]] QString appleIntelligenceAvailabilityDescription() const;
+    /// Asks the provider for a sign of life; a line for the user, also when it fails.
+    QCoro::Task<QString> testAIConnection();
     void selectAIProvider(AIProvider provider);
     bool saveAIKey(const QString& key);
     void refreshAIKeyState();
@@ -98,10 +115,16 @@ public:
     void storeProviderConfig();
     void storeTranscriptionModel();
 
+Q_SIGNALS:
+    void aiReadinessChanged();
+
 private:
     struct Collaborators;
 
     void wireShortcuts();
+    void wireAIReadiness();
+    void wireSecrets();
+    void migrateLegacyKey();
 
     std::unique_ptr<Collaborators> parts_;
 };

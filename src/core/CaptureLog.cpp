@@ -53,8 +53,13 @@ void CaptureLog::capture(const QString& raw, const QString& cleaned, const QStri
                            {u"kind"_s, kind},
                            {u"raw"_s, trimmed},
                            {u"cleaned"_s, cleaned}};
-    PrivateFiles::append(filePath(), QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n');
+    PrivateFiles::appendLine(filePath(), QJsonDocument(line).toJson(QJsonDocument::Compact));
     refreshStatus();
+}
+
+void CaptureLog::mend() {
+    PrivateFiles::mendLastLine(
+        filePath(), [](const QByteArray& line) { return QJsonDocument::fromJson(line).isObject(); });
 }
 
 QString CaptureLog::statusText(const std::optional<QByteArray>& content) {

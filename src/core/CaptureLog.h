@@ -19,6 +19,8 @@ public:
     /// `kind` is "dictation", "generate" or "edit". Nothing is written while the log is switched off or for a
     /// raw text without a visible character.
     void capture(const QString& raw, const QString& cleaned, const QString& kind);
+    /// Takes away half a line that a killed process has left.
+    void mend();
     void refreshStatus();
     void reveal();
     void clear();

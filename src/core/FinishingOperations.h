@@ -29,16 +29,4 @@ public:
     virtual QCoro::Task<> finishPolish(QString base, QString raw, qint64 generation) = 0;
 };
 
-/// No provider is configured: every dictation is a plain one, so none of the flows is ever begun.
-class NoAI final : public FinishingOperations {
-public:
-    [[nodiscard]] bool aiConfigured() const override { return false; }
-    [[nodiscard]] bool providerTranscriptionActive() const override { return false; }
-    QCoro::Task<> transcribeWithProvider(QString audioPath, qint64 generation) override;
-    QCoro::Task<> finishGenerate(QString instruction, std::optional<QString> context,
-                                 qint64 generation) override;
-    QCoro::Task<> finishEdit(SelectionSnapshot selection) override;
-    QCoro::Task<> finishPolish(QString base, QString raw, qint64 generation) override;
-};
-
 } // namespace velorin

@@ -6,6 +6,8 @@
 #include "platform/Clock.h"
 #include "text/WhiteSpace.h"
 
+#include <QFile>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
@@ -16,8 +18,11 @@ History::History(AppModel& model, ApplicationFolders& folders, Clock& clock)
 QString History::filePath() const { return folders_.dataFolder() + u"/history.json"_s; }
 
 void History::load() {
-    const auto data = PrivateFiles::read(filePath());
-    if (auto records = data ? decodeDictationRecords(*data) : std::nullopt)
+    PrivateFiles::removeLeftovers(filePath());
+    const auto data = PrivateFiles::read(filePath(), mostBytesRead);
+    auto records = data ? decodeDictationRecords(*data) : std::nullopt;
+    isUnreadable_ = (!records || records->size() > mostRecordsRead) && QFile::exists(filePath());
+    if (records && !isUnreadable_)
         model_.setHistory(std::move(*records));
 }
 
@@ -54,6 +59,15 @@ void History::clear() {
     save();
 }
 
-void History::save() const { PrivateFiles::write(filePath(), encode(model_.history())); }
+void History::save() {
+    if (!isUnreadable_ || keepUnreadable())
+        PrivateFiles::write(filePath(), encode(model_.history()));
+}
+
+bool History::keepUnreadable() {
+    const QString kept = folders_.dataFolder() + u"/history.unreadable.json"_s;
+    isUnreadable_ = QFile::exists(filePath()) && !PrivateFiles::rename(filePath(), kept);
+    return !isUnreadable_;
+}
 
 } // namespace velorin

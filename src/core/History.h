@@ -15,10 +15,14 @@ class Clock;
 class History final {
 public:
     static constexpr qsizetype maximumRecords = 200;
+    /// Nobody waits for a file that somebody has blown up.
+    static constexpr qsizetype mostRecordsRead = 5000;
+    static constexpr qint64 mostBytesRead = 16LL << 20;
 
     History(AppModel& model, ApplicationFolders& folders, Clock& clock);
 
-    /// Reads the file; what cannot be read is an empty history, and the file stays as it is.
+    /// Reads the file; what cannot be read, or is far larger than what we write, is an empty history. Such a
+    /// file stays as it is until the first change, which keeps it as "history.unreadable.json".
     void load();
     /// Nothing happens while the history is switched off or for a text without a visible character.
     void record(const QString& raw, const QString& cleaned);
@@ -27,11 +31,13 @@ public:
 
 private:
     [[nodiscard]] QString filePath() const;
-    void save() const;
+    void save();
+    bool keepUnreadable();
 
     AppModel& model_;
     ApplicationFolders& folders_;
     Clock& clock_;
+    bool isUnreadable_ = false;
 };
 
 } // namespace velorin

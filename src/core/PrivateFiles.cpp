@@ -1,13 +1,24 @@
 #include "core/PrivateFiles.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace velorin::PrivateFiles {
 namespace {
 
+constexpr int leftoverAge = 60; // seconds: nobody takes that long to write
 constexpr QFile::Permissions ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
 
 void makeFolder(const QString& path) {
@@ -16,11 +27,67 @@ void makeFolder(const QString& path) {
         QFile::setPermissions(folder, ownerOnly | QFile::ExeOwner);
 }
 
+class Descriptor final {
+public:
+    explicit Descriptor(const QString& path)
+        : descriptor_(::open(QFile::encodeName(path).constData(), O_RDWR | O_APPEND | O_CLOEXEC)) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (isOpen())
+            ::close(descriptor_);
+    }
+    [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
+    [[nodiscard]] int get() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+/// Held by who appends or mends. Nobody waits for it: a process that is stopped may hold it for ever.
+class Lock final {
+public:
+    explicit Lock(int descriptor)
+        : descriptor_(descriptor), isHeld_(::flock(descriptor, LOCK_EX | LOCK_NB) == 0) {}
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock() { ::flock(descriptor_, LOCK_UN); }
+    [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+private:
+    int descriptor_;
+    bool isHeld_;
+};
+
+QByteArray readFrom(int descriptor, off_t begin, off_t end) {
+    QByteArray bytes(end - begin, Qt::Uninitialized);
+    const auto count = ::pread(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()), begin);
+    bytes.resize(std::max<qsizetype>(count, 0));
+    return bytes;
+}
+
+QByteArray readFrom(int descriptor, off_t begin) {
+    return readFrom(descriptor, begin, ::lseek(descriptor, 0, SEEK_END));
+}
+
+/// Where the last line begins; nothing when it has its line feed, or there is none.
+std::optional<off_t> beginOfTornLine(int descriptor) {
+    constexpr off_t step = 64 * 1024;
+    for (off_t end = ::lseek(descriptor, 0, SEEK_END), size = end; end > 0;) {
+        const off_t begin = std::max<off_t>(0, end - step);
+        const QByteArray bytes = readFrom(descriptor, begin, end);
+        if (const auto feed = bytes.lastIndexOf('\n'); feed >= 0)
+            return begin + feed + 1 == size ? std::nullopt : std::optional<off_t>(begin + feed + 1);
+        end = begin;
+    }
+    return ::lseek(descriptor, 0, SEEK_END) > 0 ? std::optional<off_t>(0) : std::nullopt;
+}
+
 } // namespace
 
-std::optional<QByteArray> read(const QString& path) {
+std::optional<QByteArray> read(const QString& path, qint64 mostBytes) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly) || file.size() > mostBytes)
         return std::nullopt;
     QByteArray data = file.readAll();
     return file.error() == QFile::NoError ? std::optional(std::move(data)) : std::nullopt;
@@ -33,12 +100,44 @@ bool write(const QString& path, const QByteArray& data) {
            file.write(data) == data.size() && file.commit();
 }
 
-bool append(const QString& path, const QByteArray& data) {
+bool rename(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+void removeLeftovers(const QString& path) {
+    const QFileInfo file(path);
+    const QDateTime past = QDateTime::currentDateTime().addSecs(-leftoverAge);
+    const QDir folder(file.path());
+    // QSaveFile writes into a file whose name has six more characters.
+    for (const QFileInfo& entry : folder.entryInfoList({file.fileName() + u".??????"_s}, QDir::Files))
+        if (entry.lastModified() < past)
+            QFile::remove(entry.filePath());
+}
+
+bool appendLine(const QString& path, const QByteArray& line) {
     makeFolder(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ExistingOnly | QIODevice::Append))
-        return write(path, data);
-    return file.write(data) == data.size() && file.flush();
+    const Descriptor file(path);
+    if (!file.isOpen())
+        return write(path, line + '\n');
+    const Lock lock(file.get());
+    // In one call, at the end as it is then: two processes never mix their lines.
+    const QByteArray whole = line + '\n';
+    return ::write(file.get(), whole.constData(), static_cast<std::size_t>(whole.size())) == whole.size();
+}
+
+void mendLastLine(const QString& path, const std::function<bool(const QByteArray&)>& isWhole) {
+    const Descriptor file(path);
+    if (!file.isOpen())
+        return;
+    const Lock lock(file.get());
+    const auto begin = lock.isHeld() ? beginOfTornLine(file.get()) : std::nullopt;
+    if (!begin)
+        return;
+    const auto torn = readFrom(file.get(), *begin);
+    if (isWhole(torn))
+        (void)!::write(file.get(), "\n", 1);
+    else
+        (void)!::ftruncate(file.get(), *begin);
 }
 
 } // namespace velorin::PrivateFiles

@@ -5,16 +5,30 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+#include <limits>
 #include <optional>
 
 namespace velorin::PrivateFiles {
 
-[[nodiscard]] std::optional<QByteArray> read(const QString& path);
+/// Nothing also for a file of more than `mostBytes`.
+[[nodiscard]] std::optional<QByteArray> read(const QString& path,
+                                             qint64 mostBytes = std::numeric_limits<qint64>::max());
 
 /// Replaces the file in one step, so that a crash leaves the old or the new one; makes the folder.
 bool write(const QString& path, const QByteArray& data);
 
-/// Adds to an existing file's end, or makes the file; makes the folder.
-bool append(const QString& path, const QByteArray& data);
+/// Gives the file another name, in one step; what had that name is replaced.
+bool rename(const QString& from, const QString& to);
+
+/// Deletes what a process that was killed while it replaced the file has left beside it.
+void removeLeftovers(const QString& path);
+
+/// Adds a line, with its line feed, to an existing file's end, or makes the file; makes the folder.
+bool appendLine(const QString& path, const QByteArray& line);
+
+/// Sees to it that the last line has its line feed: one that a process was killed in goes, unless
+/// `isWhole` says that nothing is missing. Leaves the file alone while somebody appends to it.
+void mendLastLine(const QString& path, const std::function<bool(const QByteArray&)>& isWhole);
 
 } // namespace velorin::PrivateFiles

@@ -18,19 +18,12 @@ public:
     /// What is selected in the application; nothing also when it cannot be told. Resumes on the main thread.
     virtual QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication application) = 0;
 
-    /// Whether that is what is still selected. Resumes on the main thread.
+    /// Whether what was selected then is selected now, so that it can be replaced. Resumes on the main
+    /// thread.
     virtual QCoro::Task<bool> isStillSelected(SelectionSnapshot snapshot) = 0;
 
     /// The text around the cursor, shortened. Main thread, with a deadline.
     virtual std::optional<QString> contextText() = 0;
-};
-
-/// Knows nothing of other applications: every selection is absent.
-class NoSelection final : public SelectionOperations {
-public:
-    QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication application) override;
-    QCoro::Task<bool> isStillSelected(SelectionSnapshot snapshot) override;
-    std::optional<QString> contextText() override { return std::nullopt; }
 };
 
 /// Asks the application in front.

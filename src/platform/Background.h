@@ -4,7 +4,8 @@
 ///     const auto text = co_await work;
 ///
 /// In two statements: the compiler of the day ends what is captured twice when it stands within the wait. The
-/// pool's end waits for what runs.
+/// pool's end waits for what runs. Without a pool, the program's own is taken: for work that owns what it
+/// reads and ends by itself.
 #pragma once
 
 #include <QCoro/QCoroFuture>
@@ -13,6 +14,7 @@
 #include <QThreadPool>
 
 #include <memory>
+#include <type_traits>
 
 namespace velorin {
 
@@ -25,6 +27,11 @@ template <typename T, typename Work>
         promise->finish();
     });
     return promise->future();
+}
+
+template <typename Work>
+[[nodiscard]] QFuture<std::invoke_result_t<Work>> inBackground(Work work) {
+    return inBackground<std::invoke_result_t<Work>>(*QThreadPool::globalInstance(), std::move(work));
 }
 
 } // namespace velorin

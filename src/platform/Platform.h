@@ -8,6 +8,7 @@
 #include "platform/AudioInput.h"
 #include "platform/Clock.h"
 #include "platform/EventTap.h"
+#include "platform/HttpSession.h"
 #include "platform/LanguageModel.h"
 #include "platform/LatencyMarks.h"
 #include "platform/Pasteboard.h"
@@ -15,6 +16,7 @@
 #include "platform/SpeechRecognition.h"
 #include "platform/SyntheticKeyboard.h"
 #include "platform/Trust.h"
+#include "platform/UserAccount.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 
@@ -37,6 +39,9 @@ struct Platform {
     AudioFileFactory& audioFiles;
     SpeechRecognition& recognition;
     LatencyMarks& marks;
+    HttpSession& chatSession;
+    HttpSession& transcriptionSession;
+    UserAccount& userAccount;
 };
 
 } // namespace velorin

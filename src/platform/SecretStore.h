@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace velorin {
@@ -17,6 +18,9 @@ public:
     /// True when the secret has been stored.
     virtual bool add(const QString& service, const QString& account, const QByteArray& secret) = 0;
     virtual void remove(const QString& service, const QString& account) = 0;
+
+    /// Called when what was no item may be one now: the store was unlocked, came up or answers again.
+    virtual void setOnChanged(std::function<void()> onChanged) = 0;
 };
 
 } // namespace velorin

@@ -63,6 +63,27 @@ TEST_F(CaptureLogOfTheModel, TellsItsSizeInWholeKilobytesButNeverNone) {
     EXPECT_EQ(CaptureLog::statusText(std::nullopt), u"No capture file yet."_s);
 }
 
+TEST_F(CaptureLogOfTheModel, HalfALineOfAKilledProcessGoesAtTheStart) {
+    startCapturing();
+    model->captureDictation(u"one"_s, u"One."_s, u"dictation"_s);
+    endModel();
+    const QString path = home.filePath(u"dictation-capture.jsonl"_s);
+    const auto write = [&path](const QByteArray& tail) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write(tail);
+    };
+    write(R"({"at":"2026)");
+    startCapturing();
+    EXPECT_EQ(lines().size(), 1);
+    endModel();
+    write(R"({"raw":"by hand"})");
+    startCapturing();
+    model->captureDictation(u"two"_s, u"Two."_s, u"dictation"_s);
+    EXPECT_EQ(lines().size(), 3);
+    EXPECT_EQ(lines()[1], R"({"raw":"by hand"})");
+}
+
 TEST_F(CaptureLogOfTheModel, IsRevealedOnlyWhereItExists) {
     startCapturing();
     model->revealCaptureFile();

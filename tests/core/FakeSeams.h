@@ -53,6 +53,7 @@ public:
     std::optional<SelectionSnapshot> answer;
     std::optional<QString> context;
     Gate gate{true};
+    bool stillSelected = true;
     int snapshots = 0;
     int contextReads = 0;
 
@@ -61,7 +62,10 @@ public:
         co_await gate.opened();
         co_return answer;
     }
-    QCoro::Task<bool> isStillSelected(SelectionSnapshot) override { co_return true; }
+    QCoro::Task<bool> isStillSelected(SelectionSnapshot) override {
+        co_await gate.opened();
+        co_return stillSelected;
+    }
     std::optional<QString> contextText() override {
         ++contextReads;
         return context;

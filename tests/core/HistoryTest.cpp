@@ -1,6 +1,8 @@
 #include "core/History.h"
 #include "tests/core/ModelFixture.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -61,6 +63,61 @@ TEST_F(HistoryOfTheModel, ADamagedFileStaysUntilTheNextDictation) {
     EXPECT_EQ(content(), "[{\"id\": ");
     model->recordHistory(u"raw"_s, u"text"_s);
     EXPECT_EQ(decodeDictationRecords(content())->size(), 1);
+    QFile kept(home.filePath(u"history.unreadable.json"_s));
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), "[{\"id\": ");
+}
+
+TEST_F(HistoryOfTheModel, AReadableFileIsKeptUnderNoOtherName) {
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    endModel();
+    start();
+    model->recordHistory(u"raw"_s, u"text"_s);
+    EXPECT_FALSE(QFile::exists(home.filePath(u"history.unreadable.json"_s)));
+}
+
+TEST_F(HistoryOfTheModel, AHostileFileIsAnEmptyHistoryWithoutAStall) {
+    const QByteArray record =
+        R"({"id":"5E2A4C0B-7B64-4E0C-9E31-0A6C0C3B7C11","date":"2026-01-02T03:04:05Z","appName":"A","text":"t"})";
+    const QByteArray large = "[" + QByteArray(record + ",").repeated(1'000'000) + record + "]";
+    const QByteArray many = "[" + QByteArray(record + ",").repeated(9'999) + record + "]";
+    for (const QByteArray& hostile : {large, many, QByteArray(15 << 20, '[')}) {
+        writeFile(hostile);
+        QElapsedTimer watch;
+        watch.start();
+        start();
+        // The sanitizers make it several times as slow as it is.
+        EXPECT_LT(watch.elapsed(), 2500) << hostile.size();
+        EXPECT_TRUE(model->history().isEmpty());
+        endModel();
+    }
+}
+
+TEST_F(HistoryOfTheModel, WhatAKilledProcessLeftIsTakenAway) {
+    const QString leftover = home.filePath(u"history.json.aBcDeF"_s);
+    const QString another = home.filePath(u"history.json.backup.1"_s);
+    for (const QString& path : {leftover, another}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(
+            file.setFileTime(QDateTime::currentDateTime().addSecs(-600), QFileDevice::FileModificationTime));
+    }
+    start();
+    EXPECT_FALSE(QFile::exists(leftover));
+    EXPECT_TRUE(QFile::exists(another));
+}
+
+TEST_F(HistoryOfTheModel, OfTwoProcessesTheLastWriterWins) {
+    ModelDesk other;
+    other.folders.data = home.path();
+    start();
+    other.start();
+    model->recordHistory(u"raw"_s, u"ours"_s);
+    other.model->recordHistory(u"raw"_s, u"theirs"_s);
+    EXPECT_EQ(decodeDictationRecords(content())->first().text, u"theirs"_s);
+    model->recordHistory(u"raw"_s, u"ours again"_s);
+    EXPECT_EQ(decodeDictationRecords(content())->size(), 2);
 }
 
 TEST_F(HistoryOfTheModel, OneRecordWithoutARequiredKeyMakesTheWholeUnreadable) {

@@ -24,8 +24,17 @@ RunningApplication ModelDesk::editor() {
 
 AppModel& ModelDesk::start() {
     auto newFinishing = std::make_unique<FakeFinishing>();
-    auto newSelection = std::make_unique<FakeSelection>();
     finishing = newFinishing.get();
+    return start(std::move(newFinishing));
+}
+
+AppModel& ModelDesk::startWithFlows() {
+    finishing = nullptr;
+    return start(nullptr);
+}
+
+AppModel& ModelDesk::start(std::unique_ptr<FakeFinishing> newFinishing) {
+    auto newSelection = std::make_unique<FakeSelection>();
     selection = newSelection.get();
     model = std::make_unique<AppModel>(platform, AppModel::Seams{.finishing = std::move(newFinishing),
                                                                  .selection = std::move(newSelection),
@@ -42,14 +51,21 @@ void ModelDesk::endModel() {
         model->toggleDictation();
         settle();
     }
+    waitUntilSettled();
     model.reset();
 }
 
 void ModelDesk::openGates() {
     for (Gate* gate : {&trust.microphoneGate, &recognition.statusGate, &recognition.downloadGate,
                        &recognition.finalizationGate, &audioInput.formatGate, &audioInput.startGate,
-                       &audioInput.stopGate, &finishing->gate, &selection->gate})
+                       &audioInput.stopGate, &selection->gate, &chatSession.gate, &transcriptionSession.gate})
         gate->open();
+    if (finishing)
+        finishing->gate.open();
+}
+
+bool ModelDesk::waitUntilSettled() const {
+    return waitUntil([this] { return model->isSettled(); });
 }
 
 void ModelDesk::settle() {

@@ -16,24 +16,23 @@
 #include "tests/support/FakeAudioInput.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeEventTap.h"
+#include "tests/support/FakeHttpSession.h"
+#include "tests/support/FakeLanguageModel.h"
 #include "tests/support/FakePasteboard.h"
 #include "tests/support/FakeSecretStore.h"
 #include "tests/support/FakeSpeechRecognition.h"
 #include "tests/support/FakeSyntheticKeyboard.h"
 #include "tests/support/FakeTrust.h"
+#include "tests/support/FakeUserAccount.h"
 #include "tests/support/FakeUserDefaults.h"
 #include "tests/support/FakeWorkspace.h"
+#include "tests/support/WaitUntil.h"
 
 #include <QTemporaryDir>
 
 #include <memory>
 
 namespace velorin {
-
-class NoModel final : public LanguageModel {
-public:
-    Availability availability() const override { return Availability::deviceNotEligible; }
-};
 
 struct ModelDesk {
     ModelDesk();
@@ -44,11 +43,15 @@ struct ModelDesk {
     static RunningApplication editor();
 
     AppModel& start();
+    /// With the model's own flows, which ask the provider over the fake connections.
+    AppModel& startWithFlows();
 
     /// Lets everything that waits run to its end, then destroys the model.
     void endModel();
     void openGates();
     static void settle();
+    /// Until no task of the model is left, also none on another thread; false when one never ends.
+    bool waitUntilSettled() const;
 
     // The user's hands.
     void edge(ShortcutEvent event);
@@ -73,19 +76,26 @@ struct ModelDesk {
     FakePasteboard pasteboard;
     FakeWorkspace workspace;
     FakeAccessibility accessibility;
-    NoModel languageModel;
+    FakeLanguageModel languageModel;
     FakeAudioInput audioInput;
     FakeAudioConverters converters;
     FakeAudioFiles audioFiles;
     FakeSpeechRecognition recognition;
     LatencyMarks marks;
+    FakeHttpSession chatSession;
+    FakeHttpSession transcriptionSession;
+    FakeUserAccount userAccount;
     FakeOverlay hud;
     Platform platform{clock,      defaults,   folders,     secrets,       trust,         tap,
                       keyboard,   pasteboard, workspace,   accessibility, languageModel, audioInput,
-                      converters, audioFiles, recognition, marks};
+                      converters, audioFiles, recognition, marks,         chatSession,   transcriptionSession,
+                      userAccount};
     FakeFinishing* finishing = nullptr;
     FakeSelection* selection = nullptr;
     std::unique_ptr<AppModel> model;
+
+private:
+    AppModel& start(std::unique_ptr<FakeFinishing> newFinishing);
 };
 
 } // namespace velorin

@@ -12,6 +12,7 @@ public:
     std::map<QString, QByteArray> items; ///< By account.
     bool canAdd = true;
     int reads = 0;
+    std::function<void()> onChanged;
 
     std::optional<QByteArray> read(const QString&, const QString& account) override {
         ++reads;
@@ -24,6 +25,7 @@ public:
         return canAdd;
     }
     void remove(const QString&, const QString& account) override { items.erase(account); }
+    void setOnChanged(std::function<void()> action) override { onChanged = std::move(action); }
 };
 
 } // namespace velorin

@@ -97,14 +97,26 @@ QJsonValue route(const QJsonObject& in) {
         desk.pasteboard.saved.reset();
     desk.workspace.frontmost = app;
     auto& given = desk.platform;
-    Platform platform{
-        given.clock,         given.userDefaults, given.folders,         given.secrets,    given.trust,
-        given.eventTap,      keyboard,           given.pasteboard,      given.workspace,  accessibility,
-        given.languageModel, given.audioInput,   given.audioConverters, given.audioFiles, given.recognition,
-        given.marks};
-    AppModel model(platform, {.finishing = std::make_unique<NoAI>(),
-                              .selection = std::make_unique<NoSelection>(),
-                              .hud = desk.hud});
+    Platform platform{given.clock,
+                      given.userDefaults,
+                      given.folders,
+                      given.secrets,
+                      given.trust,
+                      given.eventTap,
+                      keyboard,
+                      given.pasteboard,
+                      given.workspace,
+                      accessibility,
+                      given.languageModel,
+                      given.audioInput,
+                      given.audioConverters,
+                      given.audioFiles,
+                      given.recognition,
+                      given.marks,
+                      given.chatSession,
+                      given.transcriptionSession,
+                      given.userAccount};
+    AppModel model(platform, {.finishing = nullptr, .selection = nullptr, .hud = desk.hud});
     model.setErrorMessage(std::nullopt);
     desk.trust.processTrusted = in[u"trusted"].toBool();
     model.setUseDirectInsertion(in[u"useDirectInsertion"].toBool());

@@ -4,9 +4,11 @@ namespace velorin::vectors {
 
 SuiteTable allSuites() {
     SuiteTable table;
+    addAISuites(table);
     addCleanupSuites(table);
     addCoreSuites(table);
     addDeliverySuites(table);
+    addFlowSuites(table);
     addShortcutSuites(table);
     addSpeechSuites(table);
     return table;

@@ -5,9 +5,11 @@
 
 namespace velorin::vectors {
 
+void addAISuites(SuiteTable& table);
 void addCleanupSuites(SuiteTable& table);
 void addCoreSuites(SuiteTable& table);
 void addDeliverySuites(SuiteTable& table);
+void addFlowSuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
 void addSpeechSuites(SuiteTable& table);
 

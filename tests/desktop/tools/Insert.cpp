@@ -144,9 +144,7 @@ int main(int argc, char* argv[]) {
     SystemClock clock;
     Adapters adapters(clock, [] {});
     NoOverlay hud;
-    AppModel model(
-        adapters.platform(),
-        {.finishing = std::make_unique<NoAI>(), .selection = std::make_unique<NoSelection>(), .hud = hud});
+    AppModel model(adapters.platform(), {.finishing = nullptr, .selection = nullptr, .hud = hud});
     const Commands commands(model, adapters.platform().workspace);
     say("ready", {});
     return QApplication::exec();

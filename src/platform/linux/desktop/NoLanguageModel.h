@@ -8,6 +8,9 @@ namespace velorin {
 class NoLanguageModel final : public LanguageModel {
 public:
     [[nodiscard]] Availability availability() const override { return Availability::deviceNotEligible; }
+    QCoro::Task<tl::expected<QString, LanguageModelFailure>> respond(LanguageModelRequest) override {
+        co_return tl::unexpected(LanguageModelFailure{QStringLiteral("no model"), false});
+    }
 };
 
 } // namespace velorin

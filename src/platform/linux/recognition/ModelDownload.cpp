@@ -1,5 +1,6 @@
 #include "platform/linux/recognition/ModelDownload.h"
 
+#include "platform/Background.h"
 #include "platform/Log.h"
 #include "platform/linux/recognition/FileReceiver.h"
 
@@ -7,7 +8,6 @@
 #include <QDir>
 #include <QNetworkReply>
 #include <QStorageInfo>
-#include <QThreadPool>
 
 #include <optional>
 
@@ -51,27 +51,6 @@ tl::unexpected<RecognitionError> failure(ReceiveProblem problem) {
         break;
     }
     return failure("The download of the speech recognition model was cancelled.");
-}
-
-/// Has something done on another thread; the task goes on on the main thread.
-template <typename Result>
-QCoro::Task<Result> inBackground(std::function<Result()> work) {
-    struct State {
-        Gate isDone{false};
-        std::optional<Result> result;
-    };
-    const auto state = std::make_shared<State>();
-    QThreadPool::globalInstance()->start([state, work = std::move(work)] {
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [state, result = work()] {
-                state->result = result;
-                state->isDone.open();
-            },
-            Qt::QueuedConnection);
-    });
-    co_await state->isDone.opened();
-    co_return *state->result;
 }
 
 /// What tells one version of a file on the server from another, kept beside its first part.
@@ -171,7 +150,6 @@ void ModelDownload::tell(qint64 ofThisFile) const {
 RecognitionTask<void> ModelDownload::bring(const ModelFile* file) {
     const Alive alive = alive_;
     const QString path = incompleteFolder(store_, model_) + u'/' + file->name;
-    const std::function<QByteArray()> digest = [path] { return ModelStore::digestOf(path); };
     // A part has another name until it is complete.
     if (!QFile::exists(path)) {
         if (auto fetched = co_await fetch(file, path + u".part"_s); alive.expired() || !fetched)
@@ -180,7 +158,10 @@ RecognitionTask<void> ModelDownload::bring(const ModelFile* file) {
             co_return failure(notEnoughSpace);
     }
     tell(QFileInfo(path).size());
-    if (file->digest.isEmpty() || co_await inBackground(digest) == file->digest)
+    if (file->digest.isEmpty())
+        co_return Outcome{};
+    auto digesting = inBackground([path] { return ModelStore::digestOf(path); });
+    if (co_await digesting == file->digest)
         co_return Outcome{};
     QFile::remove(path);
     co_return failure(ReceiveProblem::tooMuch);
@@ -236,13 +217,13 @@ QNetworkReply* ModelDownload::request(const ModelFile& file, qint64 from, const 
 RecognitionTask<void> ModelDownload::putInPlace() {
     const QString folder = incompleteFolder(store_, model_);
     const QString place = store_.userFolder() + u'/' + model_.id;
-    const std::function<bool()> check = [folder, &model = model_, trial = trial_] {
+    auto checking = inBackground([folder, &model = model_, trial = trial_] {
         const bool isTrusted = std::none_of(model.files.begin(), model.files.end(),
                                             [](const ModelFile& file) { return file.digest.isEmpty(); });
         return isTrusted || (trial(folder, model) && ModelStore::recordDigests(folder, model.files));
-    };
+    });
     const Alive alive = alive_;
-    const bool isUsable = co_await inBackground(check);
+    const bool isUsable = co_await checking;
     if (alive.expired())
         co_return failure(ReceiveProblem::cancelled);
     if (!isUsable) {

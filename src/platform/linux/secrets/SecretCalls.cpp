@@ -1,0 +1,133 @@
+#include "platform/linux/secrets/SecretCalls.h"
+
+// The library's headers use names that are macros of Qt.
+#undef signals
+#include <libsecret/secret.h>
+
+namespace velorin::SecretCalls {
+namespace {
+
+template <typename Object>
+using Ref = std::unique_ptr<Object, Unref>;
+
+struct ItemsEnd {
+    void operator()(GList* items) const { g_list_free_full(items, g_object_unref); }
+};
+struct ErrorEnd {
+    void operator()(GError* error) const { g_error_free(error); }
+};
+struct ValueEnd {
+    void operator()(SecretValue* value) const { secret_value_unref(value); }
+};
+struct AttributesEnd {
+    void operator()(GHashTable* table) const { g_hash_table_unref(table); }
+};
+using Error = std::unique_ptr<GError, ErrorEnd>;
+using Value = std::unique_ptr<SecretValue, ValueEnd>;
+using Attributes = std::unique_ptr<GHashTable, AttributesEnd>;
+
+const SecretSchema* schema() {
+    static const SecretSchema described = [] {
+        SecretSchema fresh{};
+        fresh.name = "dev.orrin.velorin.Key";
+        fresh.flags = SECRET_SCHEMA_DONT_MATCH_NAME;
+        fresh.attributes[0] = {"service", SECRET_SCHEMA_ATTRIBUTE_STRING};
+        fresh.attributes[1] = {"account", SECRET_SCHEMA_ATTRIBUTE_STRING};
+        return fresh;
+    }();
+    return &described;
+}
+
+Attributes attributes(const QString& service, const QString& account) {
+    return Attributes(secret_attributes_build(schema(), "service", service.toUtf8().constData(), "account",
+                                              account.toUtf8().constData(), nullptr));
+}
+
+/// A service that was restarted knows nothing of the session that the library keeps.
+Error forgetSession(GError* error) {
+    if (error != nullptr)
+        secret_service_disconnect();
+    return Error(error);
+}
+
+Ref<SecretService> connect(GCancellable* cancellable, Error* failure = nullptr) {
+    GError* error = nullptr;
+    Ref<SecretService> service(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable, &error));
+    Error kept = forgetSession(error);
+    if (failure != nullptr)
+        *failure = std::move(kept);
+    return service;
+}
+
+bool isDefaultCollectionOpen(SecretService* service, GCancellable* cancellable) {
+    GError* error = nullptr;
+    const Ref<SecretCollection> collection(secret_collection_for_alias_sync(
+        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, cancellable, &error));
+    const Error kept = forgetSession(error);
+    return collection && secret_collection_get_locked(collection.get()) == FALSE;
+}
+
+} // namespace
+
+void Unref::operator()(void* object) const { g_object_unref(object); }
+
+Cancellable newCancellable() { return Cancellable(g_cancellable_new()); }
+void cancel(GCancellable* cancellable) { g_cancellable_cancel(cancellable); }
+
+std::optional<QByteArray> read(const QString& service, const QString& account, GCancellable* cancellable) {
+    const auto store = connect(cancellable);
+    if (!store)
+        return std::nullopt;
+    GError* error = nullptr;
+    const std::unique_ptr<GList, ItemsEnd> items(
+        secret_service_search_sync(store.get(), schema(), attributes(service, account).get(),
+                                   SECRET_SEARCH_LOAD_SECRETS, cancellable, &error));
+    const Error kept = forgetSession(error);
+    if (kept || !items)
+        return std::nullopt;
+    const Value value(secret_item_get_secret(static_cast<SecretItem*>(items->data)));
+    if (!value)
+        return std::nullopt;
+    gsize length = 0;
+    const char* bytes = secret_value_get(value.get(), &length);
+    return QByteArray(bytes, static_cast<qsizetype>(length));
+}
+
+bool add(const QString& service, const QString& account, const QByteArray& secret,
+         GCancellable* cancellable) {
+    const auto store = connect(cancellable);
+    // Storing into a locked collection would show a question that nobody waits for.
+    if (!store || !isDefaultCollectionOpen(store.get(), cancellable))
+        return false;
+    const Value value(secret_value_new(secret.constData(), secret.size(), "text/plain"));
+    const QByteArray label = "Velorin: " + account.toUtf8();
+    GError* error = nullptr;
+    const bool isStored = secret_service_store_sync(store.get(), schema(), attributes(service, account).get(),
+                                                    SECRET_COLLECTION_DEFAULT, label.constData(), value.get(),
+                                                    cancellable, &error);
+    const Error kept = forgetSession(error);
+    return isStored && !kept;
+}
+
+bool remove(const QString& service, const QString& account, GCancellable* cancellable) {
+    const auto store = connect(cancellable);
+    if (!store)
+        return false;
+    GError* error = nullptr;
+    const bool isRemoved = secret_service_clear_sync(store.get(), schema(),
+                                                     attributes(service, account).get(), cancellable, &error);
+    const Error kept = forgetSession(error);
+    return isRemoved && !kept;
+}
+
+Presence look(GCancellable* cancellable) {
+    Error error;
+    if (connect(cancellable, &error))
+        return Presence::answers;
+    const bool isSlow = error && (g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT) ||
+                                  g_error_matches(error.get(), G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) ||
+                                  g_error_matches(error.get(), G_DBUS_ERROR, G_DBUS_ERROR_TIMEOUT));
+    return isSlow ? Presence::silent : Presence::absent;
+}
+
+} // namespace velorin::SecretCalls

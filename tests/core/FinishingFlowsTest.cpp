@@ -1,0 +1,324 @@
+#include "core/FinishingFlows.h"
+#include "core/AISettings.h"
+#include "tests/core/ModelFixture.h"
+#include "tests/support/Awaited.h"
+
+#include <QFile>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace velorin {
+namespace {
+
+class FinishingFlow : public ModelFixture {
+protected:
+    FinishingFlow() { startWithFlows(); }
+
+    void configure() {
+        model->setAIProvider(AIProvider::custom);
+        model->setAIEndpoint(u"http://localhost:1234/v1"_s);
+        model->setAIModel(u"some-model"_s);
+        model->setContextMode(ContextMode::generic);
+        chatSession.answerChat(u"A reply."_s);
+    }
+    void configurePolish() {
+        configure();
+        model->setAIPolishEnabled(true);
+        chatSession.answerChat(u"One two, three four."_s);
+    }
+    void configureGenerate() {
+        configure();
+        model->setAIGenerateEnabled(true);
+    }
+    void configureEdit() {
+        configure();
+        model->setAIEnabled(true);
+        selection->answer = SelectionSnapshot{.text = u"selected"_s, .appPID = 42};
+    }
+    void say(const QString& text) {
+        dictate(text);
+        ASSERT_TRUE(waitUntilSettled());
+    }
+    /// The key comes up, and the provider takes its time.
+    void sayAndWait(const QString& text) {
+        chatSession.gate.close();
+        dictate(text);
+        ASSERT_TRUE(waitUntil([this] { return !chatSession.requests.empty(); }));
+    }
+    void answer() {
+        chatSession.gate.open();
+        ASSERT_TRUE(waitUntilSettled());
+    }
+    void expectEnd(const QString& status, OverlayPhase phase, const std::optional<QString>& error) {
+        EXPECT_EQ(model->status(), status);
+        EXPECT_EQ(model->overlayPhase(), phase);
+        EXPECT_EQ(model->errorMessage(), error);
+        EXPECT_EQ(hud.calls.last(), u"hide"_s);
+    }
+};
+
+TEST_F(FinishingFlow, WithoutAProviderNothingIsAsked) {
+    model->setAIPolishEnabled(true);
+    model->setAIGenerateEnabled(true);
+    model->setAIEnabled(true);
+    say(u"generate one two three four"_s);
+    EXPECT_TRUE(chatSession.requests.empty());
+    EXPECT_EQ(model->lastInsertedText(), u"Generate one two three four"_s);
+}
+
+TEST_F(FinishingFlow, PolishDeliversTheModelsText) {
+    configurePolish();
+    say(u"one two three four"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"One two, three four."_s);
+    EXPECT_EQ(model->history().first().text, u"One two, three four."_s);
+    EXPECT_EQ(model->history().first().raw, u"one two three four"_s);
+    EXPECT_EQ(model->aiProcessing(), std::nullopt);
+    expectEnd(u"Idle"_s, OverlayPhase::done, std::nullopt);
+    EXPECT_TRUE(log.lines().contains(u"ai: polish request: app=org.xfce.mousepad chars=18"_s));
+}
+
+TEST_F(FinishingFlow, PolishShowsThePlainTextWhileItWaits) {
+    configurePolish();
+    sayAndWait(u"one two three four"_s);
+    EXPECT_EQ(model->cleanedText(), u"One two three four"_s);
+    EXPECT_EQ(model->status(), u"Polishing…"_s);
+    EXPECT_EQ(model->overlayPhase(), OverlayPhase::processing);
+    EXPECT_EQ(model->aiProcessing(), AIProcessing::polish);
+    answer();
+}
+
+TEST_F(FinishingFlow, ThreeWordsAreNotPolished) {
+    configurePolish();
+    say(u"one two three"_s);
+    EXPECT_TRUE(chatSession.requests.empty());
+    EXPECT_EQ(model->lastInsertedText(), u"One two three"_s);
+}
+
+TEST_F(FinishingFlow, ATerminalGetsNoPolish) {
+    configurePolish();
+    model->setContextMode(ContextMode::terminal);
+    say(u"one two three four"_s);
+    EXPECT_TRUE(chatSession.requests.empty());
+}
+
+TEST_F(FinishingFlow, APolishThatIsRejectedIsDroppedInSilence) {
+    configurePolish();
+    chatSession.answerChat(u"Sure, here is one two three four."_s);
+    say(u"one two three four"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"One two three four"_s);
+    EXPECT_FALSE(model->hasErrorMessage());
+    EXPECT_TRUE(log.lines().contains(u"ai: polish rejected: reason=new words chars=33"_s));
+}
+
+TEST_F(FinishingFlow, APolishThatFailsIsDroppedInSilence) {
+    configurePolish();
+    chatSession.answer = tl::unexpected(HttpFailure{u"No network."_s});
+    say(u"one two three four"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"One two three four"_s);
+    expectEnd(u"Idle"_s, OverlayPhase::done, std::nullopt);
+    EXPECT_TRUE(log.lines().contains(u"ai: polish failed: No network."_s));
+}
+
+TEST_F(FinishingFlow, APolishThatComesAfterANewSessionLeavesNoTrace) {
+    configurePolish();
+    sayAndWait(u"one two three four"_s);
+    pressHold();
+    hear(u"new words"_s, false);
+    const auto lines = log.lines();
+    chatSession.gate.open();
+    ASSERT_TRUE(waitUntil([this] { return chatSession.requests.size() == 1; }));
+    ASSERT_FALSE(
+        waitUntil([this] { return !model->lastInsertedText().isEmpty(); }, std::chrono::milliseconds(200)));
+    EXPECT_EQ(model->volatileText(), u"new words"_s);
+    EXPECT_TRUE(model->history().isEmpty());
+    EXPECT_EQ(log.lines().filter(u"polish"_s), QStringList(lines).filter(u"polish"_s));
+    EXPECT_TRUE(model->isRecording());
+}
+
+TEST_F(FinishingFlow, GenerateDeliversWhatWasWritten) {
+    configureGenerate();
+    model->setCaptureDictations(true);
+    say(u"Generate: a short note"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"A reply."_s);
+    EXPECT_EQ(chatSession.userMessage(), u"<instruction>\na short note\n</instruction>"_s);
+    EXPECT_EQ(model->history().first().raw, u"a short note"_s);
+    EXPECT_EQ(model->aiProcessing(), AIProcessing::generate);
+    EXPECT_EQ(model->captureStatus(), u"1 dictation · 1 KB"_s);
+    expectEnd(u"Idle"_s, OverlayPhase::done, std::nullopt);
+}
+
+TEST_F(FinishingFlow, GenerateTakesTheSelectionForContextAndDoesNotRewriteIt) {
+    configureEdit();
+    model->setAIGenerateEnabled(true);
+    say(u"generate a reply"_s);
+    EXPECT_TRUE(chatSession.userMessage().contains(u"<context>\nselected\n</context>"_s));
+    EXPECT_FALSE(model->isEditSession());
+    EXPECT_TRUE(model->isGenerateSession());
+}
+
+TEST_F(FinishingFlow, TheTriggerAloneAsksForMore) {
+    configureGenerate();
+    model->setAIGenerateTrigger(u"Write please"_s);
+    say(u"write"_s);
+    EXPECT_TRUE(chatSession.requests.empty());
+    expectEnd(u"Generating…"_s, OverlayPhase::error, u"Say what to generate after “Write”."_s);
+}
+
+TEST_F(FinishingFlow, GenerateSaysWhyItFailed) {
+    configureGenerate();
+    chatSession.answer = HttpResponse{401, R"({"error": {"message": "bad key"}})"};
+    say(u"generate a note"_s);
+    expectEnd(u"Idle"_s, OverlayPhase::error, u"AI request failed: bad key"_s);
+    EXPECT_EQ(model->finalizedText(), u"generate a note"_s);
+    EXPECT_TRUE(model->history().isEmpty());
+}
+
+TEST_F(FinishingFlow, AStaleGenerationIsDiscarded) {
+    configureGenerate();
+    sayAndWait(u"generate a note"_s);
+    pressHold();
+    chatSession.gate.open();
+    ASSERT_TRUE(
+        waitUntil([this] { return log.lines().contains(u"ai: discarding stale generate result"_s); }));
+    EXPECT_TRUE(model->isRecording());
+    EXPECT_EQ(hud.calls.last(), u"show"_s);
+    EXPECT_TRUE(model->history().isEmpty());
+}
+
+TEST_F(FinishingFlow, AKeyThatIsGoneIsNoticedWhenItIsNeeded) {
+    configureGenerate();
+    model->setAIEndpoint(u"https://ai.example.org/v1"_s);
+    model->setAIKeyConfigured(true);
+    say(u"generate a note"_s);
+    expectEnd(u"Generating…"_s, OverlayPhase::error,
+              u"AI isn't configured. Add an endpoint, model and key in Settings."_s);
+}
+
+TEST_F(FinishingFlow, EditReplacesTheSelection) {
+    configureEdit();
+    say(u" make it short "_s);
+    EXPECT_EQ(model->lastInsertedText(), u"A reply."_s);
+    EXPECT_TRUE(chatSession.userMessage().contains(u"<spoken_instruction>\nmake it short\n"_s));
+    EXPECT_EQ(model->history().first().text, u"A reply."_s);
+    expectEnd(u"Idle"_s, OverlayPhase::done, std::nullopt);
+    EXPECT_TRUE(
+        log.lines().contains(u"ai: edit request: app=org.xfce.mousepad selection=8 instruction=13 chars"_s));
+}
+
+TEST_F(FinishingFlow, AChangedSelectionKeepsTheResultInHistory) {
+    configureEdit();
+    selection->stillSelected = false;
+    say(u"make it short"_s);
+    EXPECT_EQ(model->lastInsertedText(), QString());
+    EXPECT_EQ(model->history().first().text, u"A reply."_s);
+    EXPECT_EQ(model->cleanedText(), u"A reply."_s);
+    expectEnd(u"Rewriting…"_s, OverlayPhase::error,
+              u"The selection changed before the rewrite finished — the result is in History."_s);
+}
+
+TEST_F(FinishingFlow, AChangedSelectionWithoutHistorySaysNoMore) {
+    configureEdit();
+    selection->stillSelected = false;
+    model->setHistoryEnabled(false);
+    say(u"make it short"_s);
+    expectEnd(u"Rewriting…"_s, OverlayPhase::error, u"The selection changed before the rewrite finished."_s);
+}
+
+TEST_F(FinishingFlow, AnEditWithoutWordsSaysSo) {
+    configureEdit();
+    say(u" "_s);
+    expectEnd(u"Rewriting…"_s, OverlayPhase::error,
+              u"No instruction heard. Select text and say what to change."_s);
+}
+
+TEST_F(FinishingFlow, AnEditThatFailsSaysWhy) {
+    configureEdit();
+    chatSession.answer = HttpResponse{500, "<html>"};
+    say(u"make it short"_s);
+    expectEnd(u"Idle"_s, OverlayPhase::error, u"AI request failed: HTTP 500."_s);
+    EXPECT_EQ(model->finalizedText(), u"make it short"_s);
+}
+
+TEST_F(FinishingFlow, AStaleEditIsDiscarded) {
+    configureEdit();
+    sayAndWait(u"make it short"_s);
+    pressHold();
+    chatSession.gate.open();
+    ASSERT_TRUE(waitUntil([this] { return log.lines().contains(u"ai: discarding stale edit result"_s); }));
+    EXPECT_TRUE(model->history().isEmpty());
+}
+
+class ProviderTranscription : public FinishingFlow {
+protected:
+    ProviderTranscription() {
+        configure();
+        model->setAITranscriptionEnabled(true);
+        model->setAITranscriptionModel(u"a-listener"_s);
+        model->setCustomVocabulary({u"Velorin"_s, u"Qt"_s});
+        model->setLanguage(Language::german);
+        QFile file(path());
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("RIFF");
+        transcriptionSession.answerTranscription(u"their words"_s);
+    }
+    QString path() const { return home.filePath(u"recording.wav"_s); }
+    void transcribe(qint64 generation) {
+        AIService service{chatSession, transcriptionSession, languageModel, userAccount};
+        const AISettings settings{*model, secrets};
+        FinishingFlows flows{*model, {service, settings, *selection, hud, languageModel, marks}};
+        const auto task = flows.transcribeWithProvider(path(), generation);
+        ASSERT_TRUE(waitUntil([&] { return task.isReady(); }));
+    }
+};
+
+TEST_F(ProviderTranscription, ReplacesTheTranscript) {
+    model->setFinalizedText(u"our words"_s);
+    model->setVolatileText(u" more"_s);
+    transcribe(model->sessionGeneration());
+    EXPECT_EQ(model->finalizedText(), u"their words"_s);
+    EXPECT_EQ(model->volatileText(), QString());
+    EXPECT_EQ(model->cleanedText(), u"Their words"_s);
+    EXPECT_EQ(model->status(), u"Transcribing…"_s);
+    EXPECT_FALSE(QFile::exists(path()));
+    const QByteArray body = transcriptionSession.requests.front().body;
+    EXPECT_TRUE(body.contains("Velorin, Qt"));
+    EXPECT_TRUE(body.contains("\r\n\r\nde\r\n"));
+}
+
+TEST_F(ProviderTranscription, KeepsTheTranscriptWhenItFails) {
+    model->setFinalizedText(u"our words"_s);
+    transcriptionSession.answer = HttpResponse{413, R"({"error": "too long"})"};
+    transcribe(model->sessionGeneration());
+    EXPECT_EQ(model->finalizedText(), u"our words"_s);
+    EXPECT_EQ(model->errorMessage(), u"Provider transcription failed; used Apple’s on-device transcript. "
+                                     "AI request failed: too long"_s);
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(ProviderTranscription, ForAReplacedSessionDeletesTheRecordingOnly) {
+    transcribe(model->sessionGeneration() - 1);
+    EXPECT_TRUE(transcriptionSession.requests.empty());
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(ProviderTranscription, IsNothingForOllama) {
+    EXPECT_TRUE(model->providerTranscriptionActive());
+    model->setAIProvider(AIProvider::ollama);
+    EXPECT_FALSE(model->providerTranscriptionActive());
+    EXPECT_FALSE(model->aiReady());
+}
+
+TEST_F(FinishingFlow, TheConnectionTestIsALineWhateverHappens) {
+    const auto test = [this] { return awaited(model->testAIConnection()); };
+    EXPECT_EQ(test(), u"This Mac doesn’t support Apple Intelligence."_s);
+    configure();
+    chatSession.answerChat(u"OK"_s);
+    EXPECT_EQ(test(), u"Connected to some-model: OK"_s);
+    chatSession.answer = tl::unexpected(HttpFailure{u"No network."_s});
+    EXPECT_EQ(test(), u"No network."_s);
+    model->setAIModel(u" "_s);
+    EXPECT_EQ(test(), u"Add an endpoint, model, and key first."_s);
+}
+
+} // namespace
+} // namespace velorin

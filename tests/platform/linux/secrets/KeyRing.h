@@ -1,0 +1,38 @@
+/// A private bus with a real key ring of its own, and a home that is thrown away.
+///
+/// The program's session bus is this one from here on: make it before anything asks for that.
+#pragma once
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace velorin {
+
+class KeyRing final {
+public:
+    KeyRing();
+    KeyRing(const KeyRing&) = delete;
+    KeyRing& operator=(const KeyRing&) = delete;
+    ~KeyRing();
+
+    /// Starts the service, unlocked; false when it does not come up.
+    bool start();
+    void stop();
+    /// Stops it from running, or lets it go on.
+    void freeze();
+    void thaw();
+    /// Locks the collection, or unlocks it as a login does.
+    bool lock();
+    bool unlock();
+    /// Runs secret-tool; true when it succeeded.
+    bool tool(const QStringList& arguments, const QByteArray& input = {});
+
+private:
+    bool isOnTheBus() const;
+
+    QTemporaryDir home_{QStringLiteral("/tmp/velorin-XXXXXX")};
+    QProcess bus_;
+    QProcess service_;
+};
+
+} // namespace velorin

@@ -1,0 +1,47 @@
+/// HTTP without a network: keeps the requests, and gives the answer that the test has laid down.
+#pragma once
+
+#include "platform/Gate.h"
+#include "platform/HttpSession.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <vector>
+
+namespace velorin {
+
+class FakeHttpSession final : public HttpSession {
+public:
+    std::vector<HttpRequest> requests;
+    HttpResult answer = HttpResponse{200, "{}"};
+    Gate gate{true};
+
+    QCoro::Task<HttpResult> send(HttpRequest request) override {
+        requests.push_back(std::move(request));
+        co_await gate.opened();
+        co_return answer;
+    }
+
+    void answerChat(const QString& content) {
+        const QJsonObject message{{QStringLiteral("content"), content}};
+        const QJsonObject choice{{QStringLiteral("message"), message}};
+        answer = HttpResponse{
+            200, QJsonDocument(QJsonObject{{QStringLiteral("choices"), QJsonArray{choice}}}).toJson()};
+    }
+    void answerTranscription(const QString& text) {
+        answer = HttpResponse{200, QJsonDocument(QJsonObject{{QStringLiteral("text"), text}}).toJson()};
+    }
+    /// The user's message of a request.
+    [[nodiscard]] QString userMessage(std::size_t index = 0) const { return message(index, 1); }
+    [[nodiscard]] QString systemMessage(std::size_t index = 0) const { return message(index, 0); }
+
+private:
+    [[nodiscard]] QString message(std::size_t index, int position) const {
+        const auto body = QJsonDocument::fromJson(requests.at(index).body);
+        return body[QStringLiteral("messages")][position][QStringLiteral("content")].toString();
+    }
+};
+
+} // namespace velorin
