@@ -3,7 +3,7 @@ BUILD_JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 ELEVATE := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all run test bench lint fuzz proof speech-proof tap-proof matrix install bootstrap clean
+.PHONY: all run test bench lint fuzz proof speech-proof overlay-proof tap-proof matrix install bootstrap clean
 
 all: bootstrap
 	@cmake --preset release --log-level=WARNING
@@ -36,6 +36,14 @@ speech-proof: all
 # What the shortcuts promise, measured under each window manager, about an hour; on a machine that does nothing else.
 tap-proof: bootstrap
 	@scripts/tap-proof
+
+# What the overlay costs and promises, on a machine that does nothing else: a quarter of an hour.
+overlay-proof: bootstrap
+	@cmake --preset test --log-level=WARNING
+	@cmake --build build/test -j $(BUILD_JOBS) --target velorin velorin-guard velorin-hurried overlay-stage press say sentences
+	@VELORIN_DESKTOP_TOOLS=$(CURDIR)/build/test/libexec/desktop VELORIN_PROGRAM=$(CURDIR)/build/test/bin/velorin \
+	    VELORIN_HURRIED=$(CURDIR)/build/test/bin/velorin-hurried VELORIN_OVERLAY_SHOWS=1000 \
+	    scripts/desktop /usr/bin/python3 -B $(CURDIR)/tests/desktop/OverlayProof.py
 
 # What libFuzzer finds interesting is kept in build/fuzz/corpus from one run to the next.
 FUZZ_SECONDS ?= 300

@@ -1,6 +1,6 @@
 # Everything that Velorin stands on; scripts/bootstrap installs it.
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4.2 REQUIRED COMPONENTS Core DBus Network Gui Widgets Test)
+find_package(Qt6 6.4.2 REQUIRED COMPONENTS Core DBus Network Gui Qml Quick Widgets Test)
 find_package(QCoro6 REQUIRED COMPONENTS Core)
 find_package(tl-expected REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc i18n)

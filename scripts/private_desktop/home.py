@@ -18,6 +18,8 @@ _FONTS = """<?xml version="1.0"?>
 <!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
 <fontconfig>
   <dir>/usr/share/fonts/truetype/dejavu</dir>
+  <dir>/usr/share/fonts-droid-fallback/truetype</dir>
+  <dir>/usr/share/fonts/truetype/noto</dir>
   <cachedir>/var/cache/fontconfig</cachedir>
   <cachedir prefix="xdg">fontconfig</cachedir>
   <match target="pattern">

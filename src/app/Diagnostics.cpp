@@ -19,7 +19,7 @@ constexpr std::array stageNames{
     StageName{Stage::keyDown, "keyDown"_L1},           StageName{Stage::firstSample, "firstSample"_L1},
     StageName{Stage::firstPreview, "firstPreview"_L1}, StageName{Stage::keyUp, "keyUp"_L1},
     StageName{Stage::lastFinal, "lastFinal"_L1},       StageName{Stage::cleaned, "cleaned"_L1},
-    StageName{Stage::delivered, "delivered"_L1}};
+    StageName{Stage::delivered, "delivered"_L1},       StageName{Stage::overlayPainted, "overlayPainted"_L1}};
 
 } // namespace
 

@@ -2,11 +2,19 @@
 
 #include "app/Adapters.h"
 #include "app/Diagnostics.h"
+#include "app/SessionTrayHosts.h"
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
 #include "core/AppModel.h"
+#include "platform/linux/desktop/Autostart.h"
+#include "platform/linux/desktop/BusNotifications.h"
+#include "platform/linux/desktop/PortalAppearance.h"
+#include "platform/linux/x11/X11FloatingWindows.h"
 #include "platform/linux/x11/XConnection.h"
-#include "ui/TrayMenu.h"
+#include "ui/BrandMark.h"
+#include "ui/HUDController.h"
+#include "ui/Theme.h"
+#include "ui/VelorinApp.h"
 
 #include <QApplication>
 
@@ -33,13 +41,6 @@ bool hasDisplay() {
     return hasServer || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
-/// The overlay is a later chapter: what it would show stands in the tray.
-class NoOverlay final : public Overlay {
-public:
-    void show(AppModel&) override {}
-    void hide() override {}
-};
-
 void reportErrors(AppModel& model) {
     const auto report = [&model] {
         if (model.hasErrorMessage())
@@ -55,26 +56,46 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     qSetMessagePattern(u"%{category}: %{message}"_s);
     if (!hasDisplay())
         return 1;
+    drawViewsInSoftware();
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"velorin"_s);
     QApplication::setApplicationDisplayName(u"Velorin"_s);
     QApplication::setDesktopFileName(u"dev.orrin.velorin"_s);
-    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setQuitOnLastWindowClosed(VelorinApp::applicationShouldTerminateAfterLastWindowClosed());
+    QApplication::setWindowIcon(QIcon::fromTheme(u"dev.orrin.velorin"_s, BrandMark::trayIcon(Qt::darkCyan)));
     const TerminationSignals terminationSignals;
 
-    SingleInstance instance(
-        [] { tell(QCoreApplication::translate("Program", "was started again; one is enough.")); });
+    std::function<void()> showItself = [] {};
+    SingleInstance instance([&showItself] {
+        tell(QCoreApplication::translate("Program", "was started again; one is enough."));
+        showItself();
+    });
     if (instance.claim() == SingleInstance::Claim::another) {
         tell(QCoreApplication::translate("Program", "is already running."));
         return 0;
     }
     Adapters adapters(clock, [&instance] { instance.giveUp(); });
     const Diagnostics diagnostics(adapters.platform().marks);
-    NoOverlay hud;
+    PortalAppearance appearance;
+    Theme theme(appearance);
+    X11FloatingWindows floatingWindows;
+    ViewEngine views(theme);
+    HUDController hud({floatingWindows, views, clock});
+    QObject::connect(&hud, &HUDController::painted, &hud,
+                     [&adapters] { adapters.platform().marks.mark(Stage::overlayPainted); });
     AppModel model(adapters.platform(), {.finishing = nullptr, .selection = nullptr, .hud = hud});
     reportErrors(model);
-    const TrayMenu tray(model);
-    return QApplication::exec();
+    SessionTrayHosts trayHosts;
+    BusNotifications notifications;
+    Autostart autostart;
+    auto& platform = adapters.platform();
+    VelorinApp app({model, theme, views, platform.userDefaults, platform.workspace, clock, trayHosts,
+                    notifications, autostart, JsonUserDefaults::defaultPath()});
+    showItself = [&app] { app.openSettings(); };
+    app.applicationDidFinishLaunching();
+    const int code = QApplication::exec();
+    showItself = [] {};
+    return code;
 }
 
 } // namespace velorin

@@ -14,8 +14,8 @@ void LatencyMarks::mark(Stage stage, Time time) {
     if (dictations_.empty())
         return;
     auto& slot = dictations_.back().times[static_cast<std::size_t>(stage)];
-    const bool firstCounts =
-        stage == Stage::keyDown || stage == Stage::firstSample || stage == Stage::firstPreview;
+    const bool firstCounts = stage == Stage::keyDown || stage == Stage::firstSample ||
+                             stage == Stage::firstPreview || stage == Stage::overlayPainted;
     if (!slot || !firstCounts)
         slot = time;
 }

@@ -14,8 +14,8 @@
 
 namespace velorin {
 
-enum class Stage { keyDown, firstSample, firstPreview, keyUp, lastFinal, cleaned, delivered };
-inline constexpr std::size_t stageCount = 7;
+enum class Stage { keyDown, firstSample, firstPreview, keyUp, lastFinal, cleaned, delivered, overlayPainted };
+inline constexpr std::size_t stageCount = 8;
 
 class LatencyMarks final {
 public:

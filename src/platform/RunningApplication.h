@@ -17,6 +17,8 @@ struct RunningApplication {
     std::optional<QString> localizedName;
     /// The program's file, empty where it cannot be told.
     QString executablePath;
+    /// Its icon: a name in the desktop's theme or a file's path.
+    std::optional<QString> icon{};
     /// The window that was in front; 0 for none. Meaningful to the workspace only.
     quint64 window = 0;
 

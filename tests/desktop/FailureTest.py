@@ -12,7 +12,7 @@ import tempfile
 import unittest
 
 from desktop import Mousepad, User, Windows, all_sentences, waiting
-from dictation import HOLD, Speaker, Velorin
+from dictation import HOLD, Speaker, Velorin, complete_introduction
 
 CONFIGURATION = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "velorin"
 RUNTIME = pathlib.Path(os.environ["XDG_RUNTIME_DIR"])
@@ -89,8 +89,11 @@ class WholeDesktop(Desktop):
 
     def test_a_home_that_cannot_be_written_stops_no_dictation(self):
         locked = tempfile.mkdtemp()
-        os.chmod(locked, 0o500)
-        self.addCleanup(os.rmdir, locked)
+        complete_introduction(locked)
+        self.addCleanup(shutil.rmtree, locked)
+        for folder in (locked, f"{locked}/velorin"):
+            os.chmod(folder, 0o500)
+            self.addCleanup(os.chmod, folder, 0o700)
         velorin = self.start(environment={"XDG_CONFIG_HOME": locked, "XDG_DATA_HOME": locked,
                                           "XDG_CACHE_HOME": locked})
         self.assertRegex(velorin.said(), r"preferences cannot be written")

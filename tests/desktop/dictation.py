@@ -1,6 +1,7 @@
 """The program under test, and a user who dictates with it."""
 import json
 import os
+import pathlib
 import signal
 import time
 
@@ -15,11 +16,21 @@ BREATH_SECONDS = 0.2  # between the key and the first word
 _CALL_MILLISECONDS = 2000
 
 
+def complete_introduction(configuration: str | None = None):
+    """Lets no window open at the start: it would take the keyboard from whoever is dictated to."""
+    preferences = pathlib.Path(configuration or os.environ["XDG_CONFIG_HOME"]) / "velorin" / "preferences.json"
+    if not preferences.exists():
+        preferences.parent.mkdir(parents=True, exist_ok=True)
+        preferences.write_text('{"onboardingCompleted": true}')
+
+
 class Velorin(Program):
     """The released program, started and ready for its shortcuts."""
 
     def __init__(self, executable: str | None = None, ready: str = r"perms mic=true ax=true tap=true",
-                 environment: dict[str, str] | None = None):
+                 environment: dict[str, str] | None = None, first_start: bool = False):
+        if not first_start:
+            complete_introduction()
         self.executable = executable or os.environ["VELORIN_PROGRAM"]
         super().__init__([self.executable], {**os.environ, "QT_FORCE_STDERR_LOGGING": "1", **(environment or {})})
         if ready:

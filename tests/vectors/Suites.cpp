@@ -11,6 +11,7 @@ SuiteTable allSuites() {
     addFlowSuites(table);
     addShortcutSuites(table);
     addSpeechSuites(table);
+    addUiSuites(table);
     return table;
 }
 

@@ -12,6 +12,7 @@ void addDeliverySuites(SuiteTable& table);
 void addFlowSuites(SuiteTable& table);
 void addShortcutSuites(SuiteTable& table);
 void addSpeechSuites(SuiteTable& table);
+void addUiSuites(SuiteTable& table);
 
 /// All of them.
 [[nodiscard]] SuiteTable allSuites();

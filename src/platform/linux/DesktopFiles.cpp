@@ -75,7 +75,8 @@ void DesktopFiles::add(const QString& path) {
     if (values.value(u"Type"_s) != "Application"_L1)
         return;
     const auto language = language_.section(u'_', 0, 0);
-    Entry entry{QFileInfo(path).completeBaseName(), values.value(u"Name"_s)};
+    Entry entry{QFileInfo(path).completeBaseName(), values.value(u"Name"_s),
+                values.value(u"Icon"_s)};
     for (const auto& key : {language, language_})
         entry.name = values.value(u"Name["_s + key + u']', entry.name);
     // Window classes are the surest name; a program may be started by many files, so the first keeps it.

@@ -17,6 +17,7 @@ public:
     struct Entry {
         QString id;   ///< The file's name without its ending.
         QString name; ///< In the user's language.
+        QString icon; ///< A name in the theme, or a path; may be empty.
     };
 
     /// `folders`: the most important first. The language is one of a locale: "de" or "de_DE".

@@ -84,6 +84,8 @@ RunningApplication X11Windows::applicationOf(xcb_window_t window, Deadline deadl
     const auto entry =
         desktopFiles_.find({traces.applicationId, traces.windowClass, traces.windowInstance, program});
     application.localizedName = entry ? presentOrNothing(entry->name) : presentOrNothing(traces.windowClass);
+    if (entry)
+        application.icon = presentOrNothing(entry->icon);
     return application;
 }
 

@@ -1,0 +1,156 @@
+#include "tests/core/ModelFixture.h"
+#include "tests/ui/Fakes.h"
+#include "ui/BrandMark.h"
+#include "ui/Theme.h"
+#include "ui/VelorinApp.h"
+
+#include <QQuickItem>
+
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace velorin {
+namespace {
+
+struct ShellTest : ModelFixture {
+    ShellTest() { start(); }
+    ~ShellTest() override {
+        app.reset();
+        endModel();
+    }
+
+    VelorinApp& launch() {
+        app = std::make_unique<VelorinApp>(
+            VelorinApp::Surroundings{*model, theme, views, defaults, workspace, clock, trayHosts,
+                                     notifications, loginItem, u"/home/someone/preferences.json"_s});
+        app->applicationDidFinishLaunching();
+        return *app;
+    }
+    QStringList rows() const {
+        QStringList texts;
+        for (const auto* action : app->menu().menu().actions())
+            texts.append(action->isSeparator() ? u"-"_s : action->text());
+        return texts;
+    }
+    QAction& row(const QString& text) const {
+        for (auto* action : app->menu().menu().actions())
+            if (action->text() == text)
+                return *action;
+        throw std::runtime_error("no such row");
+    }
+
+    FakeAppearance appearance;
+    Theme theme{appearance};
+    ViewEngine views{theme};
+    FakeTrayHosts trayHosts;
+    FakeNotifications notifications;
+    FakeLoginItem loginItem;
+    std::unique_ptr<VelorinApp> app;
+};
+
+TEST_F(ShellTest, FirstLaunchOpensTheSettingsWindowAlone) {
+    launch();
+    EXPECT_TRUE(app->settings().isOpen());
+    EXPECT_FALSE(app->onboarding().isOpen());
+    EXPECT_FALSE(rows().contains(u"Show Onboarding…"_s));
+}
+
+TEST_F(ShellTest, LaterLaunchesOpenNoWindow) {
+    model->completeOnboarding();
+    launch();
+    EXPECT_FALSE(app->settings().isOpen());
+    EXPECT_FALSE(app->onboarding().isOpen());
+}
+
+TEST_F(ShellTest, DoneEndsTheFirstRunAndTheWindowStays) {
+    launch();
+    ASSERT_NE(app->settings().view()->rootObject(), nullptr);
+    QMetaObject::invokeMethod(app->settings().view()->rootObject()->findChild<QObject*>(u"done"_s),
+                              "clicked");
+    EXPECT_TRUE(model->onboardingCompleted());
+    EXPECT_TRUE(app->settings().isOpen());
+    EXPECT_TRUE(rows().contains(u"Show Onboarding…"_s));
+}
+
+TEST_F(ShellTest, TheRepeatedIntroductionClosesWithDone) {
+    model->completeOnboarding();
+    launch();
+    row(u"Show Onboarding…"_s).trigger();
+    ASSERT_TRUE(app->onboarding().isOpen());
+    QMetaObject::invokeMethod(app->onboarding().view()->rootObject()->findChild<QObject*>(u"done"_s),
+                              "clicked");
+    EXPECT_FALSE(app->onboarding().isOpen());
+}
+
+TEST_F(ShellTest, TheMenuFollowsTheModel) {
+    model->completeOnboarding();
+    launch();
+    EXPECT_THAT(rows(), ElementsAre(u"Start dictation"_s, u"-"_s, u"Activation: Hold Fn · Tap Cmd ⌘ + Fn"_s,
+                                    u"Context: Auto"_s, u"-"_s, u"Settings…"_s, u"Show Onboarding…"_s,
+                                    u"Check for Updates…"_s, u"Quit Velorin"_s));
+    model->setIsRecording(true);
+    EXPECT_EQ(rows().first(), u"Stop dictation"_s);
+    EXPECT_FALSE(row(u"Context: Auto"_s).isEnabled());
+}
+
+TEST_F(ShellTest, UpdatesOpenThePageOfReleases) {
+    launch();
+    row(u"Check for Updates…"_s).trigger();
+    EXPECT_THAT(workspace.opened, ElementsAre(QUrl(u"https://velorin.orrin.dev/releases"_s)));
+    EXPECT_FALSE(row(u"Check for Updates…"_s).toolTip().isEmpty());
+}
+
+TEST_F(ShellTest, TheIconIsMadeWhenAHostComes) {
+    launch();
+    EXPECT_FALSE(app->tray().isShown());
+    trayHosts.isThere = true;
+    trayHosts.listeners.tell();
+    EXPECT_TRUE(app->tray().isShown());
+    clock.advance(std::chrono::minutes(1));
+    EXPECT_THAT(notifications.calls, testing::Not(testing::Contains(testing::HasSubstr(u"tray"_s))));
+}
+
+TEST_F(ShellTest, WithoutATrayTheFirstStartTellsTheShortcutOnce) {
+    launch();
+    clock.advance(std::chrono::minutes(1));
+    ASSERT_EQ(notifications.calls.filter(u"show tray"_s).size(), 1);
+    EXPECT_TRUE(notifications.calls.filter(u"show tray"_s).first().contains(u"Hold Fn"_s));
+    app.reset();
+    launch();
+    clock.advance(std::chrono::minutes(1));
+    EXPECT_EQ(notifications.calls.filter(u"show tray"_s).size(), 1);
+}
+
+TEST_F(ShellTest, AnErrorIsANotificationUntilItIsOver) {
+    launch();
+    notifications.calls.clear();
+    model->setErrorMessage(u"First."_s);
+    model->setErrorMessage(u"Second."_s);
+    model->setErrorMessage(std::nullopt);
+    EXPECT_THAT(notifications.calls,
+                ElementsAre(u"show error: First."_s, u"show error: Second."_s, u"withdraw error"_s));
+}
+
+TEST_F(ShellTest, StartAtLoginIsAChoiceOfTheWindow) {
+    launch();
+    QMetaObject::invokeMethod(app->settings().view()->rootObject()->findChild<QObject*>(u"startAtLogin"_s),
+                              "toggled");
+    EXPECT_TRUE(loginItem.isOn);
+}
+
+TEST(BrandMark, IsDrawnInTheColourAskedFor) {
+    const auto mark = BrandMark::image(Qt::red, 2);
+    EXPECT_EQ(mark.size(), QSize(60, 40));
+    int painted = 0;
+    for (int x = 0; x < mark.width(); ++x) {
+        const auto pixel = mark.pixelColor(x, 20);
+        painted += pixel.alpha() > 200 ? 1 : 0;
+        EXPECT_TRUE(pixel.alpha() == 0 || pixel.red() > 200);
+    }
+    EXPECT_GT(painted, 0);
+    EXPECT_EQ(BrandMark::image(60, Qt::black).size(), QSize(60, 40));
+}
+
+} // namespace
+} // namespace velorin
