@@ -21,8 +21,8 @@ QString fnStandIn(const UserDefaults& defaults) {
 
 VelorinApp::VelorinApp(const Surroundings& surroundings)
     : surroundings_(surroundings), updater_(surroundings.workspace),
-      status_(
-          {surroundings.model, surroundings.workspace, surroundings.loginItem, surroundings.preferencesFile}),
+      status_({surroundings.model, surroundings.workspace, surroundings.loginItem,
+               surroundings.preferencesFile, fnStandIn(surroundings.userDefaults)}),
       settings_(surroundings.views, InterimWindow::Kind::settings),
       onboarding_(surroundings.views, InterimWindow::Kind::introduction), menu_(surroundings.model, updater_),
       tray_(surroundings.model, surroundings.theme, surroundings.trayHosts, menu_.menu()),
