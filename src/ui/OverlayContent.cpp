@@ -27,6 +27,12 @@ QString endOnOneLine(const QString& text) {
 
 qint64 caretPeriod() { return static_cast<qint64>(themeNumber(u"caretPeriod")); }
 
+/// Milliseconds since the first moment of 2001, from which the caret's periods are counted.
+qint64 sinceReferenceDate(const QDateTime& time) {
+    constexpr qint64 referenceDate = 978'307'200'000;
+    return time.toMSecsSinceEpoch() - referenceDate;
+}
+
 } // namespace
 
 OverlayContent::OverlayContent(Clock& clock) : clock_(clock), elapsed_(OverlayLabels::elapsed(0)) {}
@@ -131,9 +137,9 @@ void OverlayContent::refreshElapsed() {
 }
 
 int OverlayContent::caretRest() const {
-    return static_cast<int>(caretPeriod() - clock_.now().toMSecsSinceEpoch() % caretPeriod());
+    return static_cast<int>(caretPeriod() - sinceReferenceDate(clock_.now()) % caretPeriod());
 }
 
-bool OverlayContent::isCaretLit() const { return clock_.now().toMSecsSinceEpoch() / caretPeriod() % 2 == 0; }
+bool OverlayContent::isCaretLit() const { return sinceReferenceDate(clock_.now()) / caretPeriod() % 2 == 0; }
 
 } // namespace velorin

@@ -1,5 +1,6 @@
 #include "ui/OverlayItems.h"
 
+#include "text/Graphemes.h"
 #include "ui/OverlayShape.h"
 
 #include <QFontMetricsF>
@@ -212,9 +213,7 @@ void TargetAppIcon::paintLetter(QPainter& painter) const {
     font.setWeight(QFont::DemiBold);
     painter.setFont(font);
     painter.setPen(secondary_);
-    // A letter of two units is one letter.
-    const auto letter = name_.left(!name_.isEmpty() && name_[0].isHighSurrogate() ? 2 : 1);
-    painter.drawText(boundingRect(), Qt::AlignCenter, letter.toUpper());
+    painter.drawText(boundingRect(), Qt::AlignCenter, Graphemes::first(name_).toString());
 }
 
 } // namespace velorin
