@@ -22,7 +22,8 @@ public:
     /// Types the characters, each of one or more code points, into what has the keyboard, whatever the
     /// layout. Modifiers that the user holds do not take part. Gives how many were posted; nothing, with
     /// nothing posted, when they cannot all be typed well: no server, too many for the pace that
-    /// applications keep up with, or too many that the keyboard lacks.
+    /// applications keep up with, too many that the keyboard lacks, a tab, which leaves the field in many
+    /// places, or characters that this application is known to cut.
     [[nodiscard]] virtual std::optional<qsizetype>
     type(const QStringList& characters, const std::optional<RunningApplication>& application) = 0;
 

@@ -72,6 +72,8 @@ private:
                                                          AtspiOperation& operation);
     [[nodiscard]] std::optional<QString> textBetween(const BusObject& element, std::int32_t start,
                                                      std::int32_t end, AtspiOperation& operation);
+    /// What people see of it.
+    [[nodiscard]] QString withoutPadding(QString text, const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] std::optional<Place> placeIn(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool awaitChange(const BusObject& element, const Place& before, AtspiOperation& operation);
     void putCaretBehind(const BusObject& element, std::int32_t caret, AtspiOperation& operation);

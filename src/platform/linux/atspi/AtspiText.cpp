@@ -26,6 +26,11 @@ constexpr std::int32_t longestText = 4'000'000;
 /// This one says yes to every write and does nothing.
 bool isKnownToLie(const std::string& toolkit) { return toolkit == "Gecko"; }
 
+/// This one puts a blank of no width behind each character that takes two units, so that its offsets, which
+/// count units, seem to count characters.
+bool padsCharacters(const std::string& toolkit) { return toolkit == "Gecko"; }
+constexpr char16_t padding = u'\ufeff';
+
 /// Most count characters by code points; this one as its own strings do.
 bool countsUnits(const std::string& toolkit) { return toolkit == "Qt"; }
 
@@ -81,7 +86,14 @@ std::optional<QString> AtspiLoop::value(const BusObject& element, AtspiOperation
     const auto count = textNumber(element, "CharacterCount", operation);
     if (!count || *count < 0 || *count > longestText)
         return std::nullopt;
-    return textBetween(element, 0, *count, operation);
+    auto text = textBetween(element, 0, *count, operation);
+    return text ? std::optional(withoutPadding(*std::move(text), element, operation)) : std::nullopt;
+}
+
+QString AtspiLoop::withoutPadding(QString text, const BusObject& element, AtspiOperation& operation) {
+    return text.contains(padding) && padsCharacters(toolkitOf(element.owner, operation))
+               ? text.remove(padding)
+               : text;
 }
 
 std::optional<AtspiLoop::Place> AtspiLoop::placeIn(const BusObject& element, AtspiOperation& operation) {
@@ -116,7 +128,8 @@ std::optional<QString> AtspiLoop::selectedText(const BusObject& element, AtspiOp
     const auto place = placeIn(element, operation);
     if (!place || place->end - place->start > longestText)
         return std::nullopt;
-    return textBetween(element, place->start, place->end, operation);
+    auto text = textBetween(element, place->start, place->end, operation);
+    return text ? std::optional(withoutPadding(*std::move(text), element, operation)) : std::nullopt;
 }
 
 std::optional<TextRange> AtspiLoop::selectedRange(const BusObject& element, AtspiOperation& operation) {
@@ -131,9 +144,10 @@ std::optional<TextRange> AtspiLoop::selectedRange(const BusObject& element, Atsp
     if (!upToEnd)
         return std::nullopt;
     const auto before = upToEnd->toUcs4().first(std::min<qsizetype>(place->start, upToEnd->toUcs4().size()));
-    const auto location =
-        QString::fromUcs4(reinterpret_cast<const char32_t*>(before.constData()), before.size()).size();
-    return TextRange{location, upToEnd->size() - location};
+    const auto start =
+        QString::fromUcs4(reinterpret_cast<const char32_t*>(before.constData()), before.size());
+    const auto location = withoutPadding(start, element, operation).size();
+    return TextRange{location, withoutPadding(*upToEnd, element, operation).size() - location};
 }
 
 bool AtspiLoop::isSettable(const BusObject& element, AtspiOperation& operation) {

@@ -29,8 +29,6 @@ bool isKeypad(xkb_keysym_t symbol) { return symbol >= XKB_KEY_KP_Space && symbol
 char32_t characterOf(xkb_keysym_t symbol) {
     if (symbol == XKB_KEY_Return)
         return U'\n';
-    if (symbol == XKB_KEY_Tab)
-        return U'\t';
     if (isKeypad(symbol)) // means something else in many programs
         return 0;
     const auto character = xkb_keysym_to_utf32(symbol);

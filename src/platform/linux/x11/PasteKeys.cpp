@@ -16,6 +16,23 @@ constexpr std::array<std::string_view, 9> terminalKins{
 /// Terminals from before the clipboard: they paste what was selected last.
 constexpr std::array<std::string_view, 5> primaryTerminals{"xterm", "rxvt-unicode", "st", "mlterm", "eterm"};
 
+/// Terminals on GNOME's widget have their paste command switched off for a moment whenever the clipboard gets
+/// another owner, and keys that come meanwhile are lost; the widget's own key is always there.
+constexpr std::array<std::string_view, 14> widgetTerminals{"org.gnome.Terminal",
+                                                           "org.gnome.Console",
+                                                           "org.gnome.Ptyxis",
+                                                           "xfce4-terminal",
+                                                           "mate-terminal",
+                                                           "lxterminal",
+                                                           "terminator",
+                                                           "tilix",
+                                                           "guake",
+                                                           "tilda",
+                                                           "sakura",
+                                                           "roxterm",
+                                                           "termit",
+                                                           "io.elementary.terminal"};
+
 template <std::size_t N>
 bool contains(const std::array<std::string_view, N>& names, const std::optional<QString>& name) {
     return name && std::ranges::any_of(names, [&](std::string_view other) {
@@ -31,6 +48,8 @@ PasteKeys pasteKeysOf(const std::optional<RunningApplication>& application) {
         return {};
     if (contains(primaryTerminals, application->bundleIdentifier))
         return {shiftInsert, PasteboardSelection::primary, false};
+    if (contains(widgetTerminals, application->bundleIdentifier))
+        return {controlShiftInsert, PasteboardSelection::clipboard, false};
     if (contains(terminalKins, application->kin))
         return {controlShiftV, PasteboardSelection::clipboard, false};
     if (application->kin == QLatin1StringView("org.gnu.Emacs"))

@@ -7,7 +7,7 @@
 namespace velorin {
 
 struct PasteKeys {
-    enum class Paste { controlV, controlShiftV, shiftInsert };
+    enum class Paste { controlV, controlShiftV, controlShiftInsert, shiftInsert };
 
     Paste paste = Paste::controlV;
     PasteboardSelection source = PasteboardSelection::clipboard;

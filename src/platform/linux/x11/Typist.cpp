@@ -25,11 +25,11 @@ std::vector<std::u32string> codePointsOf(const QStringList& characters) {
     return result;
 }
 
+/// A tab goes to the next field of a form, where the rest of the text would land, and completes in a shell.
 bool isTypable(const std::vector<std::u32string>& characters) {
     return std::ranges::none_of(characters, [](const std::u32string& character) {
-        return std::ranges::any_of(character, [](char32_t c) {
-            return (c < 0x20 && c != U'\n' && c != U'\t') || (c >= 0x7f && c < 0xa0);
-        });
+        return std::ranges::any_of(
+            character, [](char32_t c) { return (c < 0x20 && c != U'\n') || (c >= 0x7f && c < 0xa0); });
     });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/XTestSyntheticKeyboard.h"
 
 #include "platform/linux/x11/PasteKeys.h"
+#include "platform/linux/x11/TypingLimits.h"
 #include "platform/linux/x11/Typist.h"
 
 #include <algorithm>
@@ -28,6 +29,8 @@ std::vector<xcb_keycode_t> keysOf(Chord chord, const PasteKeys& keys, const Keyb
         return {control, v};
     case PasteKeys::Paste::controlShiftV:
         return {control, shift, v};
+    case PasteKeys::Paste::controlShiftInsert:
+        return {control, shift, insert};
     case PasteKeys::Paste::shiftInsert:
         return {shift, insert};
     }
@@ -83,6 +86,8 @@ bool XTestSyntheticKeyboard::post(const std::vector<xcb_keycode_t>& keys, const 
 
 std::optional<qsizetype> XTestSyntheticKeyboard::type(const QStringList& characters,
                                                       const std::optional<RunningApplication>& application) {
+    if (application && hasLargeCodePoints(characters) && cutsTypedCharacters(*application))
+        return std::nullopt;
     const std::scoped_lock lock(mutex_);
     if (!ensureConnection())
         return std::nullopt;

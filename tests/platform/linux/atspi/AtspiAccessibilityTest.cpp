@@ -87,6 +87,21 @@ TEST_F(AtspiAccessibilityTest, CountsRangesInUnitsWhateverTheToolkitCountsIn) {
     EXPECT_EQ(focus()->selectedTextRange(), (TextRange{2, 2}));
 }
 
+TEST_F(AtspiAccessibilityTest, DropsThePaddingOfAToolkitThatPads) {
+    set([](auto& s) {
+        s.toolkit = "Gecko", s.text = u"😀\ufeffa😀\ufeff."_s, s.start = 2, s.end = s.caret = 5;
+    });
+    const auto element = focus();
+    EXPECT_EQ(element->value(), u"😀a😀."_s);
+    EXPECT_EQ(element->selectedText(), u"a😀"_s);
+    EXPECT_EQ(element->selectedTextRange(), (TextRange{2, 3}));
+}
+
+TEST_F(AtspiAccessibilityTest, KeepsABlankOfNoWidthThatIsNoPadding) {
+    set([](auto& s) { s.text = u"a\ufeffb"_s; });
+    EXPECT_EQ(focus()->value(), u"a\ufeffb"_s);
+}
+
 TEST_F(AtspiAccessibilityTest, SpeaksToAToolkitThatCountsUnits) {
     set([](auto& s) { s.toolkit = "Qt", s.text = u"😀ab"_s, s.caret = s.start = s.end = 3; });
     const auto element = focus();

@@ -5,9 +5,14 @@
 #include "tests/platform/linux/x11/support/TypingWindow.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gmock/gmock.h>
 
 #include <thread>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -61,7 +66,7 @@ protected:
 };
 
 TEST_F(TypistTest, TypesWhatTheLayoutHas) {
-    EXPECT_EQ(typed(u"Hello, World! 123 {a|b} ~\t\n"_s), u"Hello, World! 123 {a|b} ~\t\n"_s);
+    EXPECT_EQ(typed(u"Hello, World! 123 {a|b} ~\n"_s), u"Hello, World! 123 {a|b} ~\n"_s);
     EXPECT_FALSE(keyboard.isLendingKeys());
     EXPECT_TRUE(keysDown(user.connection(), Deadline(5s)).value().none());
 }
@@ -99,6 +104,23 @@ TEST_F(TypistTest, DeclinesWhatWouldTakeTooLong) {
 TEST_F(TypistTest, DeclinesControlCharacters) {
     EXPECT_EQ(keyboard.type(charactersOf(u"a\u0007b"_s), std::nullopt), std::nullopt);
     EXPECT_FALSE(window.hasMore());
+}
+
+TEST_F(TypistTest, DeclinesATabWhichWouldLeaveTheField) {
+    EXPECT_EQ(keyboard.type(charactersOf(u"one\ttwo"_s), std::nullopt), std::nullopt);
+    EXPECT_FALSE(window.hasMore());
+}
+
+TEST_F(TypistTest, DeclinesWhatJavaWouldCut) {
+    const QTemporaryDir folder;
+    QFile machine(folder.filePath(u"libjvm.so"_s));
+    ASSERT_TRUE(machine.open(QIODevice::ReadWrite) && machine.resize(1) && machine.map(0, 1));
+    RunningApplication java;
+    java.processIdentifier = getpid(); // which has loaded the machine now
+    EXPECT_EQ(keyboard.type(charactersOf(u"a👋"_s), java), std::nullopt);
+    EXPECT_FALSE(window.hasMore());
+    EXPECT_EQ(keyboard.type(charactersOf(u"漢"_s), java), 1);
+    EXPECT_EQ(window.text(1), u"漢"_s);
 }
 
 TEST_F(TypistTest, TypesOnADvorakKeyboard) {

@@ -45,9 +45,16 @@ TEST_F(XTestSyntheticKeyboardTest, PastesWithControlAndV) {
 }
 
 TEST_F(XTestSyntheticKeyboardTest, PastesIntoTerminalsWithShiftAsWell) {
-    const auto terminal = application("org.gnome.Terminal", "com.apple.Terminal");
+    const auto terminal = application("org.kde.konsole", "com.apple.Terminal");
     EXPECT_TRUE(keyboard.chord(Chord::paste, terminal));
     EXPECT_EQ(toString(window.keys(6)), "37+ 50+/4 55+/5 55-/5 50-/5 37-/4");
+    EXPECT_EQ(keyboard.pasteSource(terminal), PasteboardSelection::clipboard);
+}
+
+TEST_F(XTestSyntheticKeyboardTest, PastesIntoTerminalsOfGnomesWidgetWithItsOwnKey) {
+    const auto terminal = application("org.gnome.Terminal", "com.apple.Terminal");
+    EXPECT_TRUE(keyboard.chord(Chord::paste, terminal));
+    EXPECT_EQ(toString(window.keys(6)), "37+ 50+/4 118+/5 118-/5 50-/5 37-/4");
     EXPECT_EQ(keyboard.pasteSource(terminal), PasteboardSelection::clipboard);
 }
 
