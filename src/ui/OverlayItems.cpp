@@ -114,7 +114,9 @@ void LiveTextView::layOut() {
     isRightToLeft_ = text_.isRightToLeft();
     // The first letter of what fits stands behind the fade, where it can be read.
     const double inset = fades_ ? width() * textFade : 0;
-    const double room = std::max(0.0, width() - 3); // the caret stands behind the text
+    // The caret stands behind the text, which where it ends at the left is beside the dot.
+    const double behind = isRightToLeft_ ? 8 : 3;
+    const double room = std::max(0.0, width() - behind);
     const double whole = metrics.horizontalAdvance(text_);
     const bool fits = whole <= room - inset;
     // Where it does not, an ellipsis stands in the fade, also in the place of no more than a letter.
@@ -146,6 +148,22 @@ OverlayBackdrop::OverlayBackdrop(QQuickItem* parent) : QQuickPaintedItem(parent)
     connect(this, &OverlayBackdrop::changed, this, [this] { update(); });
 }
 
+/// The window is cut to the shape in whole pixels, and a half covered one would be half black: all that lies
+/// outside of the glass has the colour of the edge.
+void OverlayBackdrop::paintShaped(QPainter& painter, const QRectF& look) const {
+    QColor opaque = fill_;
+    opaque.setAlpha(255);
+    painter.fillRect(boundingRect(), opaque);
+    painter.fillRect(boundingRect(), edge_);
+    const auto glass = [&](double inset, const QColor& color) {
+        painter.fillPath(continuousRect(look.adjusted(inset, inset, -inset, -inset), cornerRadius_ - inset),
+                         color);
+    };
+    glass(1, opaque);
+    glass(1, border_);
+    glass(2, opaque);
+}
+
 void OverlayBackdrop::paint(QPainter* painter) {
     painter->setRenderHint(QPainter::Antialiasing);
     const double padding = themeNumber(u"overlayPadding");
@@ -155,11 +173,7 @@ void OverlayBackdrop::paint(QPainter* painter) {
         painter->strokePath(continuousRect(rect, radius), QPen(color, 1));
     };
     if (!composited_) {
-        // Square: the window is cut to the shape, and a half covered pixel would be half black.
-        QColor opaque = fill_;
-        opaque.setAlpha(255);
-        painter->fillRect(boundingRect(), opaque);
-        stroke(look.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_ - 0.5, edge_);
+        paintShaped(*painter, look);
         return;
     }
     painter->drawImage(QPointF(0, 0),

@@ -110,6 +110,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    void paintShaped(QPainter& painter, const QRectF& look) const;
+
     double cornerRadius_ = 0;
     QColor fill_;
     QColor border_;

@@ -36,6 +36,19 @@ void blur(QImage& mask, int radius) {
     }
 }
 
+/// The pixels of a row from the first to the last of which more than half is covered.
+QRect coveredRow(const QImage& mask, int y) {
+    constexpr uchar half = 128;
+    const auto* row = mask.constScanLine(y);
+    int first = 0;
+    int end = mask.width();
+    while (first < end && row[first] < half)
+        ++first;
+    while (end > first && row[end - 1] < half)
+        --end;
+    return {first, y, end - first, 1};
+}
+
 QImage coloured(const QImage& mask, double opacity) {
     QImage image(mask.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < mask.height(); ++y) {
@@ -77,8 +90,29 @@ QPainterPath continuousRect(const QRectF& rect, double radius) {
 }
 
 QRegion pixelsOf(const QPainterPath& path, double scale) {
-    const auto polygon = path.toFillPolygon(QTransform::fromScale(scale, scale));
-    return QRegion(polygon.toPolygon());
+    const QPainterPath outline = QTransform::fromScale(scale, scale).map(path);
+    const QRect bounds = outline.boundingRect().toAlignedRect();
+    QImage mask(bounds.size(), QImage::Format_Alpha8);
+    mask.fill(0);
+    {
+        QPainter painter(&mask);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(-bounds.topLeft());
+        painter.fillPath(outline, Qt::black);
+    }
+    std::vector<QRect> rows;
+    for (int y = 0; y < mask.height(); ++y) {
+        const auto row = coveredRow(mask, y).translated(bounds.topLeft());
+        if (row.isEmpty())
+            continue;
+        if (!rows.empty() && rows.back().left() == row.left() && rows.back().right() == row.right())
+            rows.back().setBottom(row.bottom());
+        else
+            rows.push_back(row);
+    }
+    QRegion region;
+    region.setRects(rows.data(), static_cast<int>(rows.size()));
+    return region;
 }
 
 QImage shadowOf(const QPainterPath& path, QSizeF size, double scale, double blurRadius, double offset,

@@ -78,18 +78,22 @@ class Pictures(unittest.TestCase):
                   {"phase": "processing", "processing": "generate", "generate": True, "text": ""},
                   {"phase": "listening", "edit": True, "text": ""},
                   {"phase": "listening", "app": None, "profile": "terminal", "text": ""},
+                  {"phase": "listening", "edit": True, "app": "Mousepad", "icon": "org.xfce.mousepad",
+                   "profile": "document"},
                   {"phase": "done", "app": "An application with quite a long name", "generate": True,
                    "profile": "document"}]
         for style in ("capsule", "card"):
             pictures = [self.take(stage, style=style, dark=dark, **state) for state in states for dark in (False, True)]
-            assert_like_kept(f"phases-{style}", sheet(pictures))
+            with self.subTest(style):
+                assert_like_kept(f"phases-{style}", sheet(pictures))
 
     def test_texts(self):
         stage = self.start()
         for style in ("capsule", "card"):
             pictures = [self.take(stage, style=style, dark=number % 2 == 1, text=text)
                         for number, text in enumerate(TEXTS.values())]
-            assert_like_kept(f"texts-{style}", sheet(pictures))
+            with self.subTest(style):
+                assert_like_kept(f"texts-{style}", sheet(pictures))
 
 
 if __name__ == "__main__":

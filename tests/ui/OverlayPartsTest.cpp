@@ -54,6 +54,21 @@ TEST(OverlayShape, CutsTheWindowInDevicePixels) {
     EXPECT_FALSE(region.contains(QPoint(46, 46)));
 }
 
+TEST(OverlayShape, CutsAllCornersAlike) {
+    for (const double scale : {1.0, 1.5, 2.0})
+        for (const QRectF& look : {QRectF(30, 30, 380, 54), QRectF(30, 30, 360, 102)}) {
+            const auto region = pixelsOf(continuousRect(look, look.height() == 54 ? 27 : 16), scale);
+            const QRect bounds = region.boundingRect();
+            for (int y = bounds.top(); y <= bounds.bottom(); ++y)
+                for (int x = bounds.left(); x <= bounds.center().x(); ++x) {
+                    const QPoint across(bounds.left() + bounds.right() - x, y);
+                    ASSERT_EQ(region.contains(QPoint(x, y)), region.contains(across)) << scale;
+                    const QPoint below(x, bounds.top() + bounds.bottom() - y);
+                    ASSERT_EQ(region.contains(QPoint(x, y)), region.contains(below)) << scale;
+                }
+        }
+}
+
 TEST(OverlayShape, ShadowFadesTowardsTheEdges) {
     const auto shadow =
         shadowOf(continuousRect(QRectF(30, 30, 380, 54), 27), QSizeF(440, 114), 1, 16, 7, 0.34);
