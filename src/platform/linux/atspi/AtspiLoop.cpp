@@ -15,9 +15,14 @@ constexpr char windowEvents[] = "org.a11y.atspi.Event.Window";
 
 constexpr unsigned activeState = 1;
 constexpr unsigned focusedState = 12;
+constexpr unsigned showingState = 25;
 
 constexpr std::size_t mostFocused = 16;
 constexpr int mostSearched = 300;
+
+bool isSet(const std::vector<std::uint32_t>& bits, unsigned state) {
+    return state / 32 < bits.size() && (bits[state / 32] >> (state % 32) & 1U) != 0;
+}
 
 std::string eventRule(const std::string& interface, const std::string& rest) {
     return "type='signal',interface='" + interface + "'," + rest;
@@ -149,8 +154,11 @@ std::optional<BusObject> AtspiLoop::focusBelow(const BusObject& element, int& bu
     for (const auto& child : children(element, operation)) {
         if (--budget <= 0 || operation.end.hasPassed() || isWanted_())
             return std::nullopt;
-        if (isInState(child, focusedState, operation))
+        const auto states = statesOf(child, operation);
+        if (isSet(states, focusedState))
             return child;
+        if (!isSet(states, showingState)) // closed menus hold more than all the rest
+            continue;
         if (const auto found = focusBelow(child, budget, operation))
             return found;
     }
@@ -181,10 +189,14 @@ bool AtspiLoop::has(const BusObject& element, const char* interface, AtspiOperat
     return interfaces && std::ranges::find(*interfaces, interface) != interfaces->end();
 }
 
-bool AtspiLoop::isInState(const BusObject& element, unsigned state, AtspiOperation& operation) {
+std::vector<std::uint32_t> AtspiLoop::statesOf(const BusObject& element, AtspiOperation& operation) {
     const auto reply = ask({element, accessibleInterface, "GetState", {}}, operation);
-    const auto bits = reply ? BusReader(*reply).uint32s() : std::nullopt;
-    return bits && state / 32 < bits->size() && ((*bits)[state / 32] >> (state % 32) & 1U) != 0;
+    return reply ? BusReader(*reply).uint32s().value_or(std::vector<std::uint32_t>{})
+                 : std::vector<std::uint32_t>{};
+}
+
+bool AtspiLoop::isInState(const BusObject& element, unsigned state, AtspiOperation& operation) {
+    return isSet(statesOf(element, operation), state);
 }
 
 std::int64_t AtspiLoop::processOf(const std::string& owner, AtspiOperation& operation) {

@@ -79,6 +79,7 @@ private:
     void putCaretBehind(const BusObject& element, std::int32_t caret, AtspiOperation& operation);
     [[nodiscard]] bool mayBeRead(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool has(const BusObject& element, const char* interface, AtspiOperation& operation);
+    [[nodiscard]] std::vector<std::uint32_t> statesOf(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool isInState(const BusObject& element, unsigned state, AtspiOperation& operation);
     [[nodiscard]] std::string toolkitOf(const std::string& owner, AtspiOperation& operation);
     [[nodiscard]] std::int64_t processOf(const std::string& owner, AtspiOperation& operation);

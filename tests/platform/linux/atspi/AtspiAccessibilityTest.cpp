@@ -58,6 +58,11 @@ TEST_F(AtspiAccessibilityTest, FindsWhatHadTheKeyboardBeforeItCame) {
     EXPECT_EQ(accessibility.focusedElement(getpid() + 1, budget), nullptr) << "of a stranger";
 }
 
+TEST_F(AtspiAccessibilityTest, DoesNotSearchThroughClosedMenus) {
+    set([](auto& s) { s.closedItems = 5000; });
+    EXPECT_TRUE(focus());
+}
+
 TEST_F(AtspiAccessibilityTest, FollowsTheFocusByItsEvents) {
     ASSERT_TRUE(focus());
     service->tellFocus(false);

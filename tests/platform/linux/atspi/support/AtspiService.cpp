@@ -38,12 +38,13 @@ void appendVariant(DBusMessage& message, int type, const void* value) {
     dbus_message_iter_close_container(&outer, &inner);
 }
 
-void appendObjects(DBusMessage& message, const char* owner, const char* path) {
+void appendObjects(DBusMessage& message, const char* owner, const std::vector<std::string>& paths) {
     DBusMessageIter outer;
     DBusMessageIter list;
     dbus_message_iter_init_append(&message, &outer);
     dbus_message_iter_open_container(&outer, DBUS_TYPE_ARRAY, "(so)", &list);
-    if (path) {
+    for (const auto& each : paths) {
+        const auto* path = each.c_str();
         DBusMessageIter pair;
         dbus_message_iter_open_container(&list, DBUS_TYPE_STRUCT, nullptr, &pair);
         dbus_message_iter_append_basic(&pair, DBUS_TYPE_STRING, &owner);
@@ -140,15 +141,23 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
     } else if (method == "GetChildren") {
         const bool asksRegistry =
             path == rootPath && std::string(dbus_message_get_destination(&call)) == "org.a11y.atspi.Registry";
-        appendObjects(reply, owner,
-                      asksRegistry        ? rootPath
-                      : path == rootPath  ? "/window"
-                      : path == "/window" ? fieldPath
-                                          : nullptr);
+        if (asksRegistry)
+            appendObjects(reply, owner, {rootPath});
+        else if (path == rootPath)
+            appendObjects(reply, owner, {"/window"});
+        else if (path == "/window")
+            appendObjects(reply, owner, {"/menu", fieldPath});
+        else if (path == "/menu")
+            appendObjects(reply, owner,
+                          std::vector<std::string>(static_cast<std::size_t>(state_.closedItems), "/item"));
+        else
+            appendObjects(reply, owner, {});
     } else if (method == "GetState") {
         const dbus_uint32_t active = path == "/window" ? 1U << 1 : 0U;
         const dbus_uint32_t focused = path == fieldPath && state_.isFocused ? 1U << 12 : 0U;
-        const std::array<dbus_uint32_t, 2> bits{active | focused | (state_.isEditable ? 1U << 7 : 0U), 0};
+        const dbus_uint32_t showing = path == "/window" || path == fieldPath ? 1U << 25 : 0U;
+        const dbus_uint32_t editable = state_.isEditable ? 1U << 7 : 0U;
+        const std::array<dbus_uint32_t, 2> bits{active | focused | showing | editable, 0};
         const auto* data = bits.data();
         append(reply, DBUS_TYPE_ARRAY, DBUS_TYPE_UINT32, &data, 2);
     } else if (method == "GetInterfaces") {

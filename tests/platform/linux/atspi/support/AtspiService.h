@@ -30,6 +30,7 @@ public:
         bool isFocused = true;
         bool isEditable = true;
         bool hasText = true;
+        int closedItems = 0; ///< In a closed menu that stands before the field.
         std::string toolkit = "gtk";
         std::set<std::string> silent;   ///< Methods that are never answered.
         std::set<std::string> nonsense; ///< Methods that are answered with something else.
