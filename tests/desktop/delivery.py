@@ -21,6 +21,14 @@ class Reply(NamedTuple):
     pid: int
 
 
+class Selection(NamedTuple):
+    """What was selected; an empty text for nothing. `source`: none, accessibility or clipboard; `took` in milliseconds."""
+
+    text: str
+    source: str
+    took: float
+
+
 class Delivery(Program):
     """Inserts texts as the program does after a dictation."""
 
@@ -49,6 +57,12 @@ class Delivery(Program):
 
     def beat(self) -> Reply:
         return self._do({"do": "beat"})
+
+    def selection(self) -> Selection:
+        """What is selected in the application in front, as at the beginning of a dictation."""
+        answered = len(self.lines)
+        self.tell(json.dumps({"do": "select"}))
+        return Selection(**json.loads(self.wait_for_line("^selection (.*)$", _ANSWER_SECONDS, answered)[1]))
 
     def told(self) -> list[str]:
         """All that the user was told so far."""

@@ -47,8 +47,8 @@ class User:
         finally:
             self.release(key)
 
-    def click(self, x: int, y: int, button: int = 1) -> float:
-        return self._do(f"click {x} {y} {button}")
+    def click(self, x: int, y: int, button: int = 1, times: int = 1) -> float:
+        return self._do(f"click {x} {y} {button} {times}")
 
     def close(self):
         self._press.__exit__()

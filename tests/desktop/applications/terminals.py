@@ -1,4 +1,5 @@
 """Terminals, with a program in them that reads a line and tells of it at every change."""
+import itertools
 import json
 import os
 
@@ -55,12 +56,10 @@ class Terminal(Target):
         """With the mouse; where the first row is depends on bars above it."""
         clipboard.write(b"nothing of the screen", selection="primary")
         x, y = self.windows.corner(self.window)
-        # Two clicks are not always quick enough to be a double one.
-        for below in [*self._rows] * 6:
+        for below in itertools.islice(itertools.cycle(self._rows), 60):
             # Elsewhere first, so that no click counts as a third.
             self.user.click(*self.windows.centre(self.window))
-            for _ in range(2):
-                self.user.click(x + _COLUMN, y + below)
+            self.user.click(x + _COLUMN, y + below, times=2)
             if self._is_word_selected():
                 self._rows = [below]
                 return

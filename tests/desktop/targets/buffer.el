@@ -24,7 +24,8 @@
 ;; What is pasted or typed over a selection replaces it only with this.
 (delete-selection-mode 1)
 (setq inhibit-startup-screen t)
-;; One key, whatever the others mean at the moment.
+;; One key, whatever the others mean at the moment; it would ask first.
+(put 'erase-buffer 'disabled nil)
 (global-set-key (kbd "<f5>") #'erase-buffer)
 (add-hook 'post-command-hook #'told-tell)
 (told-tell)

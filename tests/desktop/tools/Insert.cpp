@@ -13,8 +13,14 @@
 // Each is answered by a line "reply" with an object: when the command was taken and how long it held the
 // main thread (seconds of the monotonic clock, milliseconds), the path, the log of this insertion, the
 // application, and what the user was told, empty if nothing. What the user is told later comes as "told".
+//
+//     {"do": "select"}                            what is selected in what is in front
+//
+// is answered by a line "selection" with the text, empty for none, how it was read, and the milliseconds.
 #include "app/Adapters.h"
 #include "core/AppModel.h"
+#include "core/MainTasks.h"
+#include "delivery/SelectionService.h"
 #include "platform/linux/desktop/SystemClock.h"
 
 #include <QApplication>
@@ -62,8 +68,11 @@ public:
 
 class Commands final {
 public:
-    Commands(AppModel& model, Workspace& workspace)
-        : model_(model), workspace_(workspace), input_(STDIN_FILENO, QSocketNotifier::Read) {
+    Commands(AppModel& model, Platform& platform)
+        : model_(model), workspace_(platform.workspace),
+          paste_(platform.pasteboard, platform.keyboard, platform.trust, platform.clock),
+          selections_(platform.accessibility, workspace_, paste_, platform.trust),
+          input_(STDIN_FILENO, QSocketNotifier::Read) {
         QObject::connect(&input_, &QSocketNotifier::activated, &input_, [this] { readSome(); });
         QObject::connect(&model_, &AppState::errorMessageChanged, &input_, [this] {
             if (model_.hasErrorMessage())
@@ -86,6 +95,8 @@ private:
     }
 
     void carryOut(const QJsonObject& command) {
+        if (command[u"do"_s] == u"select"_s)
+            return tasks_.launch(tellSelection());
         model_.setErrorMessage({});
         insertionLog.clear();
         const double began = now();
@@ -105,6 +116,18 @@ private:
              {u"application"_s, application ? application->bundleIdentifier.value_or(QString()) : u""_s},
              {u"kin"_s, application ? application->kin.value_or(QString()) : u""_s},
              {u"pid"_s, application ? application->processIdentifier : 0}});
+    }
+
+    QCoro::Task<> tellSelection() {
+        const double began = now();
+        const auto snapshot = co_await selections_.snapshot(workspace_.frontmostApplication());
+        const double took = (now() - began) * 1000;
+        const bool isCopied = snapshot && snapshot->source == SelectionSource::clipboard;
+        say("selection", {{u"text"_s, snapshot ? snapshot->text : QString()},
+                          {u"source"_s, !snapshot  ? u"none"_s
+                                        : isCopied ? u"clipboard"_s
+                                                   : u"accessibility"_s},
+                          {u"took"_s, took}});
     }
 
     void perform(const QJsonObject& command) {
@@ -128,6 +151,9 @@ private:
 
     AppModel& model_;
     Workspace& workspace_;
+    PasteService paste_;
+    SelectionService selections_;
+    MainTasks tasks_;
     QSocketNotifier input_;
     QByteArray unread_;
     std::optional<RunningApplication> target_;
@@ -145,7 +171,7 @@ int main(int argc, char* argv[]) {
     Adapters adapters(clock, [] {});
     NoOverlay hud;
     AppModel model(adapters.platform(), {.finishing = nullptr, .selection = nullptr, .hud = hud});
-    const Commands commands(model, adapters.platform().workspace);
+    const Commands commands(model, adapters.platform());
     say("ready", {});
     return QApplication::exec();
 }

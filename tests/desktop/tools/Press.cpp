@@ -1,7 +1,7 @@
 // press COMMAND…: what the user of a private desktop does with keyboard and mouse.
 //
 //     press down KEY        press up KEY        press tap KEY
-//     press click X Y BUTTON
+//     press click X Y BUTTON [TIMES]
 //     press serve           reads such commands from standard input, one a line
 //
 // Served commands are answered by a line each: "done" and the time at which the server had taken
@@ -32,9 +32,14 @@ void click(UserDevice& user, std::istream& words) {
     int button = 0;
     if (!(words >> x >> y >> button))
         throw std::runtime_error("click wants X Y BUTTON");
+    int times = 0;
+    if (!(words >> times))
+        times = 1;
     user.move(x, y);
-    user.button(button, true);
-    user.button(button, false);
+    for (int click = 0; click < times; ++click) {
+        user.button(button, true);
+        user.button(button, false);
+    }
 }
 
 void perform(UserDevice& user, std::istream& words) {

@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/AtspiLoop.h"
 
 #include <algorithm>
+#include <array>
 
 namespace velorin {
 
@@ -18,7 +19,10 @@ constexpr unsigned focusedState = 12;
 constexpr unsigned showingState = 25;
 
 constexpr std::size_t mostFocused = 16;
-constexpr int mostSearched = 300;
+constexpr int mostSearched = 1000;
+
+/// Of menus and the kinds of items in them.
+constexpr std::array<std::uint32_t, 4> menuRoles{8, 33, 35, 45};
 
 bool isSet(const std::vector<std::uint32_t>& bits, unsigned state) {
     return state / 32 < bits.size() && (bits[state / 32] >> (state % 32) & 1U) != 0;
@@ -140,7 +144,7 @@ std::optional<BusObject> AtspiLoop::searchIn(const BusObject& application, Atspi
         if (!isInState(window, activeState, operation))
             continue;
         int budget = mostSearched;
-        auto element = focusBelow(window, budget, operation);
+        const auto element = focusIn(window, budget, operation);
         if (!element)
             continue;
         focusMoved(*element, true);
@@ -149,20 +153,21 @@ std::optional<BusObject> AtspiLoop::searchIn(const BusObject& application, Atspi
     return std::nullopt;
 }
 
-std::optional<BusObject> AtspiLoop::focusBelow(const BusObject& element, int& budget,
-                                               AtspiOperation& operation) {
-    for (const auto& child : children(element, operation)) {
-        if (--budget <= 0 || operation.end.hasPassed() || isWanted_())
-            return std::nullopt;
-        const auto states = statesOf(child, operation);
-        if (isSet(states, focusedState))
-            return child;
-        if (!isSet(states, showingState)) // closed menus hold more than all the rest
-            continue;
-        if (const auto found = focusBelow(child, budget, operation))
+std::optional<BusObject> AtspiLoop::focusIn(const BusObject& element, int& budget,
+                                            AtspiOperation& operation) {
+    if (--budget <= 0 || operation.end.hasPassed() || isWanted_())
+        return std::nullopt;
+    const auto states = statesOf(element, operation);
+    const bool isFocused = isSet(states, focusedState);
+    // A field may share the focus with a part of it that knows nothing of the text.
+    if (isFocused && has(element, textInterface, operation))
+        return element;
+    if (!isFocused && !isSet(states, showingState) && isMenu(element, operation))
+        return std::nullopt; // closed menus hold more than all the rest
+    for (const auto& child : children(element, operation))
+        if (auto found = focusIn(child, budget, operation))
             return found;
-    }
-    return std::nullopt;
+    return isFocused ? std::optional(element) : std::nullopt;
 }
 
 BusMessage AtspiLoop::ask(const BusCall& call, AtspiOperation& operation) {
@@ -197,6 +202,12 @@ std::vector<std::uint32_t> AtspiLoop::statesOf(const BusObject& element, AtspiOp
 
 bool AtspiLoop::isInState(const BusObject& element, unsigned state, AtspiOperation& operation) {
     return isSet(statesOf(element, operation), state);
+}
+
+bool AtspiLoop::isMenu(const BusObject& element, AtspiOperation& operation) {
+    const auto reply = ask({element, accessibleInterface, "GetRole", {}}, operation);
+    const auto role = reply ? BusReader(*reply).uint32() : std::nullopt;
+    return role && std::ranges::find(menuRoles, *role) != menuRoles.end();
 }
 
 std::int64_t AtspiLoop::processOf(const std::string& owner, AtspiOperation& operation) {

@@ -80,6 +80,7 @@ private:
     [[nodiscard]] bool mayBeRead(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool has(const BusObject& element, const char* interface, AtspiOperation& operation);
     [[nodiscard]] std::vector<std::uint32_t> statesOf(const BusObject& element, AtspiOperation& operation);
+    [[nodiscard]] bool isMenu(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool isInState(const BusObject& element, unsigned state, AtspiOperation& operation);
     [[nodiscard]] std::string toolkitOf(const std::string& owner, AtspiOperation& operation);
     [[nodiscard]] std::int64_t processOf(const std::string& owner, AtspiOperation& operation);
@@ -90,8 +91,8 @@ private:
     void forget(const std::string& owner);
     [[nodiscard]] std::vector<BusObject> applications(AtspiOperation& operation);
     std::optional<BusObject> searchIn(const BusObject& application, AtspiOperation& operation);
-    [[nodiscard]] std::optional<BusObject> focusBelow(const BusObject& element, int& budget,
-                                                      AtspiOperation& operation);
+    [[nodiscard]] std::optional<BusObject> focusIn(const BusObject& element, int& budget,
+                                                   AtspiOperation& operation);
 
     BusConnection& bus_;
     std::function<bool()> isWanted_;

@@ -63,6 +63,11 @@ TEST_F(AtspiAccessibilityTest, DoesNotSearchThroughClosedMenus) {
     EXPECT_TRUE(focus());
 }
 
+TEST_F(AtspiAccessibilityTest, FindsAFieldThatIsTheWindowItself) {
+    set([](auto& s) { s.isWindow = true, s.text = u"Hello"_s; });
+    EXPECT_EQ(focus()->value(), u"Hello"_s);
+}
+
 TEST_F(AtspiAccessibilityTest, FollowsTheFocusByItsEvents) {
     ASSERT_TRUE(focus());
     service->tellFocus(false);

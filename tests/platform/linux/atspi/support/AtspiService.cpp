@@ -144,7 +144,9 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
         if (asksRegistry)
             appendObjects(reply, owner, {rootPath});
         else if (path == rootPath)
-            appendObjects(reply, owner, {"/window"});
+            appendObjects(reply, owner, {state_.isWindow ? fieldPath : "/window"});
+        else if (path == fieldPath && state_.isWindow)
+            appendObjects(reply, owner, {"/part"});
         else if (path == "/window")
             appendObjects(reply, owner, {"/menu", fieldPath});
         else if (path == "/menu")
@@ -153,9 +155,10 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
         else
             appendObjects(reply, owner, {});
     } else if (method == "GetState") {
-        const dbus_uint32_t active = path == "/window" ? 1U << 1 : 0U;
-        const dbus_uint32_t focused = path == fieldPath && state_.isFocused ? 1U << 12 : 0U;
-        const dbus_uint32_t showing = path == "/window" || path == fieldPath ? 1U << 25 : 0U;
+        const dbus_uint32_t active = path == (state_.isWindow ? fieldPath : "/window") ? 1U << 1 : 0U;
+        const bool isField = path == fieldPath || path == "/part";
+        const dbus_uint32_t focused = isField && state_.isFocused ? 1U << 12 : 0U;
+        const dbus_uint32_t showing = path == "/window" ? 1U << 25 : 0U; // some tell it of windows alone
         const dbus_uint32_t editable = state_.isEditable ? 1U << 7 : 0U;
         const std::array<dbus_uint32_t, 2> bits{active | focused | showing | editable, 0};
         const auto* data = bits.data();
@@ -165,7 +168,8 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
         const char** data = names.data();
         append(reply, DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &data, path == fieldPath && state_.hasText ? 2 : 0);
     } else if (method == "GetRole") {
-        append(reply, DBUS_TYPE_UINT32, &state_.role);
+        const dbus_uint32_t role = path == "/menu" ? 33 : state_.role;
+        append(reply, DBUS_TYPE_UINT32, &role);
     } else if (method == "GetRoleName") {
         appendText(reply, QStringLiteral("text"));
     } else if (method == "Get") {

@@ -30,6 +30,7 @@ public:
         bool isFocused = true;
         bool isEditable = true;
         bool hasText = true;
+        bool isWindow = false; ///< The field is the window itself, and a part of it has the focus as well.
         int closedItems = 0; ///< In a closed menu that stands before the field.
         std::string toolkit = "gtk";
         std::set<std::string> silent;   ///< Methods that are never answered.
