@@ -121,11 +121,7 @@ private:
 AtspiAccessibility::AtspiAccessibility() : thread_([this] { run(); }) {}
 
 AtspiAccessibility::~AtspiAccessibility() {
-    {
-        const std::scoped_lock lock(mutex_);
-        isStopping_ = true;
-    }
-    wakeUp_.wake();
+    jobs_.stop();
     thread_.join();
 }
 
@@ -142,84 +138,38 @@ std::shared_ptr<AccessibleElement> AtspiAccessibility::focusedElement(qint64 pro
 
 bool AtspiAccessibility::perform(std::chrono::steady_clock::time_point deadline,
                                  std::function<void(AtspiLoop&)> work) {
-    const auto job = std::make_shared<Job>();
-    job->work = std::move(work);
-    std::unique_lock lock(mutex_);
-    if (!isConnected_)
-        return false;
-    jobs_.push_back(job);
-    wakeUp_.wake();
-    changed_.wait_until(lock, deadline, [&] { return job->state == Job::State::done || !isConnected_; });
-    if (job->state == Job::State::waiting)
-        job->state = Job::State::abandoned;
-    return job->state == Job::State::done;
+    return jobs_.perform(deadline, std::move(work));
 }
 
 void AtspiAccessibility::run() {
     setUpThread("velorin-atspi");
-    while (!isStopping()) {
+    while (!jobs_.isStopping()) {
         if (const auto bus = openAccessibilityBus())
             serve(*bus);
-        if (!isStopping())
+        if (!jobs_.isStopping())
             wait(-1, retryInterval);
     }
 }
 
 void AtspiAccessibility::serve(BusConnection& bus) {
-    AtspiLoop loop(bus, [this] { return hasJobs(); });
-    {
-        const std::scoped_lock lock(mutex_);
-        isConnected_ = true;
-    }
-    while (!isStopping() && !bus.isBroken()) {
-        runJobs(loop);
+    AtspiLoop loop(bus, [this] { return jobs_.isAnyWaiting(); });
+    jobs_.open();
+    while (!jobs_.isStopping() && !bus.isBroken()) {
+        jobs_.run(loop);
         loop.serve();
-        if (!hasJobs() && !bus.isBroken())
+        if (!jobs_.isAnyWaiting() && !bus.isBroken())
             wait(bus.fileDescriptor(), loop.pollTimeout());
     }
-    const std::scoped_lock lock(mutex_);
-    isConnected_ = false;
-    jobs_.clear();
-    changed_.notify_all();
-    if (!isStopping_)
+    jobs_.close();
+    if (!jobs_.isStopping())
         qCInfo(insertLog) << "accessibility: the bus is gone";
 }
 
-void AtspiAccessibility::runJobs(AtspiLoop& loop) {
-    for (;;) {
-        std::shared_ptr<Job> job;
-        {
-            const std::scoped_lock lock(mutex_);
-            if (jobs_.empty())
-                return;
-            job = std::move(jobs_.front());
-            jobs_.pop_front();
-            if (job->state != Job::State::waiting)
-                continue;
-            job->state = Job::State::running;
-        }
-        job->work(loop);
-        const std::scoped_lock lock(mutex_);
-        job->state = Job::State::done;
-        changed_.notify_all();
-    }
-}
-
 void AtspiAccessibility::wait(int descriptor, int timeout) {
-    std::array<pollfd, 2> waiting{{{wakeUp_.fileDescriptor(), POLLIN, 0}, {descriptor, POLLIN, 0}}};
+    std::array<pollfd, 2> waiting{{{jobs_.fileDescriptor(), POLLIN, 0}, {descriptor, POLLIN, 0}}};
     poll(waiting.data(), waiting.size(), timeout);
     if (waiting[0].revents != 0)
-        wakeUp_.clear();
-}
-
-bool AtspiAccessibility::isStopping() {
-    const std::scoped_lock lock(mutex_);
-    return isStopping_;
-}
-
-bool AtspiAccessibility::hasJobs() {
-    const std::scoped_lock lock(mutex_);
-    return !jobs_.empty() || isStopping_;
+        jobs_.clearWakeUp();
 }
 
 } // namespace velorin

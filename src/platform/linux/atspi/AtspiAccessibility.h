@@ -6,12 +6,8 @@
 #pragma once
 
 #include "platform/Accessibility.h"
-#include "platform/linux/x11/WakeUp.h"
+#include "platform/linux/x11/ThreadJobs.h"
 
-#include <condition_variable>
-#include <deque>
-#include <functional>
-#include <mutex>
 #include <thread>
 
 namespace velorin {
@@ -32,26 +28,12 @@ public:
     bool perform(std::chrono::steady_clock::time_point deadline, std::function<void(AtspiLoop&)> work);
 
 private:
-    struct Job {
-        std::function<void(AtspiLoop&)> work;
-        enum class State { waiting, running, done, abandoned } state = State::waiting;
-    };
-
     void run();
     void serve(BusConnection& bus);
-    void runJobs(AtspiLoop& loop);
     /// Waits for a job, the end, or something to read; -1 for no descriptor and no timeout.
     void wait(int descriptor, int timeout);
-    [[nodiscard]] bool isStopping();
-    [[nodiscard]] bool hasJobs();
 
-    WakeUp wakeUp_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<std::shared_ptr<Job>> jobs_;
-    bool isStopping_ = false;
-    /// While there is no bus, nobody waits for one.
-    bool isConnected_ = false;
+    ThreadJobs<AtspiLoop> jobs_; ///< Open while there is a bus: nobody waits for one.
     std::thread thread_;
 };
 

@@ -14,14 +14,13 @@ using namespace std::chrono_literals;
 constexpr auto slack = 2 * serverDeadline;
 } // namespace
 
-X11Pasteboard::X11Pasteboard() : thread_([this] { run(); }) {}
+X11Pasteboard::X11Pasteboard() {
+    jobs_.open(); // what is asked before the thread is there waits for it
+    thread_ = std::thread([this] { run(); });
+}
 
 X11Pasteboard::~X11Pasteboard() {
-    {
-        const std::scoped_lock lock(mutex_);
-        isStopping_ = true;
-    }
-    wakeUp_.wake();
+    jobs_.stop();
     thread_.join();
 }
 
@@ -29,72 +28,40 @@ void X11Pasteboard::run() {
     setUpThread("velorin-clip");
     if (const auto connection = XConnection::open()) {
         ClipboardLoop loop(*connection, [this](PasteboardSelection selection, const PasteboardFetch& fetch) {
-            const std::scoped_lock lock(mutex_);
+            const std::scoped_lock lock(fetchesMutex_);
             fetches_[indexOf(selection)].push_back(fetch);
-            changed_.notify_all();
+            fetched_.notify_all();
         });
         if (loop.isUsable())
             serve(loop, connection->fileDescriptor(), [&] { return connection->isBroken(); });
     }
-    const std::scoped_lock lock(mutex_);
-    if (!isStopping_)
+    if (!jobs_.isStopping())
         qCInfo(insertLog) << "clipboard: no X server";
+    jobs_.close();
+    const std::scoped_lock lock(fetchesMutex_);
     isRunning_ = false;
-    changed_.notify_all();
+    fetched_.notify_all();
 }
 
 void X11Pasteboard::serve(ClipboardLoop& loop, int serverDescriptor, const std::function<bool()>& isBroken) {
     while (!isBroken()) {
-        runJobs(loop);
+        jobs_.run(loop);
         loop.serve();
-        {
-            const std::scoped_lock lock(mutex_);
-            if (isStopping_)
-                break;
-            if (!jobs_.empty())
-                continue;
-        }
-        std::array<pollfd, 2> waiting{{{serverDescriptor, POLLIN, 0}, {wakeUp_.fileDescriptor(), POLLIN, 0}}};
+        if (jobs_.isStopping())
+            break;
+        if (jobs_.isAnyWaiting())
+            continue;
+        std::array<pollfd, 2> waiting{{{serverDescriptor, POLLIN, 0}, {jobs_.fileDescriptor(), POLLIN, 0}}};
         poll(waiting.data(), waiting.size(), -1);
         if (waiting[1].revents != 0)
-            wakeUp_.clear();
+            jobs_.clearWakeUp();
     }
     if (!isBroken())
         loop.handOver();
 }
 
-void X11Pasteboard::runJobs(ClipboardLoop& loop) {
-    for (;;) {
-        std::shared_ptr<Job> job;
-        {
-            const std::scoped_lock lock(mutex_);
-            if (jobs_.empty())
-                return;
-            job = std::move(jobs_.front());
-            jobs_.pop_front();
-            if (job->state != Job::State::waiting)
-                continue;
-            job->state = Job::State::running;
-        }
-        job->work(loop);
-        const std::scoped_lock lock(mutex_);
-        job->state = Job::State::done;
-        changed_.notify_all();
-    }
-}
-
 bool X11Pasteboard::perform(std::chrono::milliseconds deadline, std::function<void(ClipboardLoop&)> work) {
-    const auto job = std::make_shared<Job>();
-    job->work = std::move(work);
-    std::unique_lock lock(mutex_);
-    if (!isRunning_)
-        return false;
-    jobs_.push_back(job);
-    wakeUp_.wake();
-    changed_.wait_for(lock, deadline + slack, [&] { return job->state == Job::State::done || !isRunning_; });
-    if (job->state == Job::State::waiting)
-        job->state = Job::State::abandoned;
-    return job->state == Job::State::done;
+    return jobs_.perform(std::chrono::steady_clock::now() + deadline + slack, std::move(work));
 }
 
 std::optional<PasteboardContents> X11Pasteboard::save(PasteboardSelection selection,
@@ -110,7 +77,7 @@ std::optional<quint64> X11Pasteboard::write(PasteboardSelection selection, const
     const auto result = std::make_shared<std::optional<quint64>>();
     const bool isDone = perform(0ms, [=, this](ClipboardLoop& loop) {
         {
-            const std::scoped_lock lock(mutex_);
+            const std::scoped_lock lock(fetchesMutex_);
             fetches_[indexOf(selection)].clear();
         }
         *result = loop.write(selection, text);
@@ -142,15 +109,15 @@ std::optional<QString> X11Pasteboard::read(PasteboardSelection selection,
 }
 
 std::vector<PasteboardFetch> X11Pasteboard::fetches(PasteboardSelection selection) {
-    const std::scoped_lock lock(mutex_);
+    const std::scoped_lock lock(fetchesMutex_);
     return fetches_[indexOf(selection)];
 }
 
 bool X11Pasteboard::awaitFetch(PasteboardSelection selection, std::size_t known,
                                std::chrono::milliseconds deadline) {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock(fetchesMutex_);
     const auto& fetches = fetches_[indexOf(selection)];
-    changed_.wait_for(lock, deadline, [&] { return fetches.size() > known || !isRunning_; });
+    fetched_.wait_for(lock, deadline, [&] { return fetches.size() > known || !isRunning_; });
     return fetches.size() > known;
 }
 

@@ -5,13 +5,11 @@
 #pragma once
 
 #include "platform/Pasteboard.h"
-#include "platform/linux/x11/WakeUp.h"
+#include "platform/linux/x11/ThreadJobs.h"
 
 #include <array>
 #include <condition_variable>
-#include <deque>
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -38,27 +36,17 @@ public:
                                   std::chrono::milliseconds deadline) override;
 
 private:
-    /// Something to do on the clipboard's thread. Claimed by that thread, or by a caller who gave up
-    /// waiting: what was given up never happens later.
-    struct Job {
-        std::function<void(ClipboardLoop&)> work;
-        enum class State { waiting, running, done, abandoned } state = State::waiting;
-    };
-
     void run();
     void serve(ClipboardLoop& loop, int serverDescriptor, const std::function<bool()>& isBroken);
-    void runJobs(ClipboardLoop& loop);
     /// False when the work was not begun, or not done, within the deadline and some more for the server.
     bool perform(std::chrono::milliseconds deadline, std::function<void(ClipboardLoop&)> work);
     [[nodiscard]] static std::size_t indexOf(PasteboardSelection selection);
 
-    WakeUp wakeUp_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<std::shared_ptr<Job>> jobs_;
+    ThreadJobs<ClipboardLoop> jobs_;
+    std::mutex fetchesMutex_;
+    std::condition_variable fetched_;
     std::array<std::vector<PasteboardFetch>, 2> fetches_;
-    bool isStopping_ = false;
-    bool isRunning_ = true;
+    bool isRunning_ = true; ///< Whether anything can still be fetched.
     std::thread thread_;
 };
 
