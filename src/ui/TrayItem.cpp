@@ -11,7 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace velorin {
 namespace {
 
-/// Panels are dark on most desktops, whatever the windows are, and none tells; a light grey is seen on both.
+/// Panels are dark on most desktops, whatever the windows are, and none tells.
 constexpr QRgb markOnPanel = qRgb(0xdf, 0xe3, 0xea);
 
 } // namespace
