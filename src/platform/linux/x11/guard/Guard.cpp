@@ -6,6 +6,7 @@
 #include <array>
 #include <poll.h>
 #include <unistd.h>
+#include <utility>
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
@@ -23,10 +24,7 @@ bool Guard::run() {
     askAt_ = Deadline(questionDelay); // about what may have been pressed while there was no guard
     for (;;) {
         readKeys();
-        if (judgeAt_ && judgeAt_->hasPassed())
-            judge();
-        if (!judgeAt_ && askAt_ && askAt_->hasPassed())
-            ask();
+        lookAtTime();
         if (connection_.isBroken())
             return true;
         std::array<pollfd, 2> waiting{{{connection_.fileDescriptor(), POLLIN, 0}, {life_, POLLIN, 0}}};
@@ -37,6 +35,15 @@ bool Guard::run() {
             return true;
         }
     }
+}
+
+void Guard::lookAtTime() {
+    if (judgeAt_ && isAnswered())
+        judgeAt_.reset(); // the next question need not wait
+    if (judgeAt_ && judgeAt_->hasPassed())
+        judge();
+    if (!judgeAt_ && askAt_ && askAt_->hasPassed())
+        ask();
 }
 
 void Guard::awaitLeave() {
@@ -68,8 +75,10 @@ void Guard::readKeys() {
             generic.event_type != XCB_INPUT_RAW_KEY_PRESS)
             continue;
         const auto key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event).detail;
-        if (concernsTap(key) && !askAt_)
-            askAt_ = Deadline(questionDelay);
+        if (!concernsTap(key))
+            continue;
+        // Each press has a question that comes late enough for it.
+        (askAt_ ? askAgainAt_ : askAt_) = Deadline(questionDelay);
     }
 }
 
@@ -80,20 +89,25 @@ bool Guard::concernsTap(unsigned key) const {
 }
 
 void Guard::ask() {
-    askAt_.reset();
+    askAt_ = std::exchange(askAgainAt_, std::nullopt);
     ++shared_->asked;
     judgeAt_ = Deadline(patience);
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = write(tapWakeUp_, &one, sizeof one);
 }
 
+bool Guard::isAnswered() const { return shared_->answered == shared_->asked; }
+
 void Guard::judge() {
     judgeAt_.reset();
-    if (shared_->answered == shared_->asked)
+    // A tap that waits for a server that is slow is no more to blame than we are.
+    (void)connection_.sync(Deadline(serverDeadline));
+    if (isAnswered())
         return;
     endTap();
     releaseOurKeys();
     askAt_.reset();
+    askAgainAt_.reset();
 }
 
 void Guard::endTap() {
@@ -116,9 +130,11 @@ void Guard::releaseOurKeys() {
 }
 
 int Guard::pollTimeout() const {
-    if (judgeAt_)
-        return judgeAt_->pollTimeout();
-    return askAt_ ? askAt_->pollTimeout() : -1;
+    if (!judgeAt_)
+        return askAt_ ? askAt_->pollTimeout() : -1;
+    // A judgement that is settled meanwhile makes room for the next question.
+    const bool isNext = askAt_ && !askAt_->hasPassed();
+    return isNext ? std::min(askAt_->pollTimeout(), judgeAt_->pollTimeout()) : judgeAt_->pollTimeout();
 }
 
 } // namespace velorin

@@ -37,8 +37,10 @@ public:
 private:
     [[nodiscard]] bool listen();
     void readKeys();
+    void lookAtTime();
     [[nodiscard]] bool concernsTap(unsigned key) const;
     void ask();
+    [[nodiscard]] bool isAnswered() const;
     void judge();
     void endTap();
     void awaitLeave();
@@ -53,6 +55,7 @@ private:
     int tapWakeUp_;
     std::uint8_t inputOpcode_ = 0;
     std::optional<Deadline> askAt_;
+    std::optional<Deadline> askAgainAt_; ///< For what was pressed since askAt_ was set.
     std::optional<Deadline> judgeAt_;
 };
 
