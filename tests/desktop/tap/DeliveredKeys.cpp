@@ -3,7 +3,6 @@
 #include <cstring>
 #include <stdexcept>
 #include <xcb/record.h>
-#include <xcb/xinput.h>
 
 namespace velorin::tap {
 
@@ -28,10 +27,9 @@ DeliveredKeys::DeliveredKeys(xcb_window_t resource)
     if (!control_ || !data_ || !control_->extension(xcb_record_id))
         throw std::runtime_error("no server with RECORD");
     context_ = xcb_generate_id(control_->get());
-    const xcb_record_range_t ranges[] = {delivered(XCB_KEY_PRESS, XCB_KEY_RELEASE),
-                                         delivered(XCB_GE_GENERIC, XCB_GE_GENERIC)};
+    const auto range = delivered(XCB_KEY_PRESS, XCB_KEY_RELEASE);
     const xcb_record_client_spec_t client = resource;
-    xcb_record_create_context(control_->get(), context_, 0, 1, 2, &client, ranges);
+    xcb_record_create_context(control_->get(), context_, 0, 1, 1, &client, &range);
     control_->sync(Deadline(patience));
     thread_ = std::thread([this] { run(); });
     // It records from the moment at which the context is enabled, which the other connection asks for.
@@ -70,24 +68,13 @@ void DeliveredKeys::run() {
 }
 
 void DeliveredKeys::take(const std::uint8_t* event) {
-    const int type = event[0] & 0x7f;
-    TestWindow::Key key;
-    const std::scoped_lock lock(mutex_);
-    if (type == XCB_GE_GENERIC) {
-        xcb_input_key_press_event_t device{};
-        std::memcpy(&device, event, eventBytes); // the rest is not recorded
-        if (device.event_type != XCB_INPUT_KEY_PRESS && device.event_type != XCB_INPUT_KEY_RELEASE)
-            return;
-        key = {device.event_type == XCB_INPUT_KEY_PRESS, static_cast<int>(device.detail), 0, device.time};
-        knowsModifiers_ = false;
-    } else if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
-        xcb_key_press_event_t core{};
-        std::memcpy(&core, event, sizeof core);
-        key = {type == XCB_KEY_PRESS, core.detail, core.state, core.time};
-    } else {
+    xcb_key_press_event_t core{};
+    std::memcpy(&core, event, sizeof core);
+    const int type = core.response_type & 0x7f;
+    if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE)
         return;
-    }
-    keys_.push_back(key);
+    const std::scoped_lock lock(mutex_);
+    keys_.push_back({type == XCB_KEY_PRESS, core.detail, core.state, core.time});
     changed_.notify_all();
 }
 

@@ -1,5 +1,5 @@
 /// Which keys the server delivers to some other program, read with the RECORD extension: that of programs
-/// which know nothing of a test.
+/// which know nothing of a test. Core events only: others cannot be recorded.
 #pragma once
 
 #include "platform/linux/x11/XConnection.h"
@@ -22,8 +22,6 @@ public:
 
     /// What came since the last call, up to the release of this key, for which it waits.
     [[nodiscard]] std::vector<TestWindow::Key> through(int key);
-    /// Modifiers are not to be had of programs that use the second version of the input extension.
-    [[nodiscard]] bool knowsModifiers() const { return knowsModifiers_; }
 
 private:
     void run();
@@ -36,7 +34,6 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<TestWindow::Key> keys_;
-    bool knowsModifiers_ = true;
 };
 
 } // namespace velorin::tap

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <thread>
 
 namespace velorin::tap {
@@ -96,15 +97,12 @@ private:
                    std::ranges::find(bound, key.key) == bound.end() &&
                    std::ranges::find(letters, key.key) == letters.end();
         });
-        auto expected = expectation_.takeKeys();
-        if (!delivered_.knowsModifiers())
-            for (auto& key : expected)
-                key.modifiers = 0;
+        const auto expected = expectation_.takeKeys();
         if (got == expected)
             return true;
         const auto [here, there] = std::ranges::mismatch(expected, got);
         Report::note("expected … " + around(expected, here) + "; got … " + around(got, there));
-        Report::note("pressed " + toString(log_).substr(0, 2000));
+        Report::note("pressed " + toString(log_));
         return false;
     }
 
@@ -163,12 +161,14 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
     DeliveredKeys delivered(window);
     const auto map = KeyboardMap::read(stage.user.connection(), Deadline(10s));
     auto subject = stage.start(configuration);
+    // One for the life of the subject: what the matcher has got wrong of twin modifiers it keeps.
+    auto expectation = std::make_unique<Expectation>(configuration, map.value());
     for (long done = 0; done < events; done += eventsInARun) {
-        Expectation expectation(configuration, map.value());
         const auto count = std::min(eventsInARun, events - done);
-        const bool isRight = Run(stage, *subject, expectation, delivered).type(count);
+        const auto swallowedBefore = expectation->swallowed();
+        const bool isRight = Run(stage, *subject, *expectation, delivered).type(count);
         outcome.events += count;
-        outcome.swallowed += expectation.swallowed();
+        outcome.swallowed += expectation->swallowed() - swallowedBefore;
         if (isRight)
             continue;
         ++outcome.wrongRuns;
@@ -176,6 +176,7 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
                      (stage.hasKeyboard(window) ? "" : ", which no longer has the keyboard"));
         subject.reset();
         subject = stage.start(configuration); // from a clean slate
+        expectation = std::make_unique<Expectation>(configuration, map.value());
         (void)delivered.through(Key::zero);
     }
     subject->command("quit");
@@ -184,6 +185,8 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
 } // namespace
 
 void measureRandomKeys(Stage& stage) {
+    // Keys that come by the second version of the input extension cannot be recorded.
+    setenv("GDK_CORE_DEVICE_EVENTS", "1", 1);
     std::vector<Outcome> outcomes(targets.size());
     const auto all = configurations();
     long done = 0;
