@@ -144,9 +144,10 @@ void TapConnections::replay() const {
                               XCB_INPUT_EVENT_MODE_REPLAY_DEVICE, 0, grabs_->root());
 }
 
-void TapConnections::step() const {
-    xcb_input_xi_allow_events(grabs_->get(), XCB_CURRENT_TIME, masterKeyboard_,
-                              XCB_INPUT_EVENT_MODE_SYNC_DEVICE, 0, grabs_->root());
+void TapConnections::step(std::size_t keys) const {
+    for (std::size_t i = 0; i < keys; ++i)
+        xcb_input_xi_allow_events(grabs_->get(), XCB_CURRENT_TIME, masterKeyboard_,
+                                  XCB_INPUT_EVENT_MODE_SYNC_DEVICE, 0, grabs_->root());
 }
 
 void TapConnections::post(bool isPress, xcb_keycode_t key) const {
@@ -154,14 +155,12 @@ void TapConnections::post(bool isPress, xcb_keycode_t key) const {
                         XCB_WINDOW_NONE, 0, 0, 0);
 }
 
-bool TapConnections::hold() const {
+void TapConnections::hold() const {
     const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
-    const auto answer = grabs_->reply<xcb_input_xi_grab_device_reply_t>(
-        xcb_input_xi_grab_device(grabs_->get(), grabs_->root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE,
-                                 masterKeyboard_, XCB_INPUT_GRAB_MODE_22_SYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
-                                 XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &events),
-        Deadline(patience));
-    return answer && answer->status == XCB_GRAB_STATUS_SUCCESS;
+    const auto cookie = xcb_input_xi_grab_device(
+        grabs_->get(), grabs_->root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, masterKeyboard_,
+        XCB_INPUT_GRAB_MODE_22_SYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &events);
+    xcb_discard_reply(grabs_->get(), cookie.sequence); // the key that waits would be kept waiting for it
 }
 
 void TapConnections::letGo() const {

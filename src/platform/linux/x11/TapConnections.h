@@ -43,10 +43,13 @@ public:
 
     // Requests on the grabbing connection; they go out with the next flush.
     void replay() const; ///< The press that waits goes to the application.
-    void step() const;   ///< It goes nowhere. The next key comes to us as well, and waits like this one.
+    /// It goes nowhere. The next key comes to us as well, and waits like this one; so do as many as are asked
+    /// for, all but the last of which go nowhere either.
+    void step(std::size_t keys = 1) const;
     void post(bool isPress, xcb_keycode_t key) const;
-    /// Holds the keyboard, so that no release ends it; whatever is pressed waits. False when it could not.
-    [[nodiscard]] bool hold() const;
+    /// Holds the keyboard, so that no release ends it; whatever is pressed waits. For a press that waits, so
+    /// that nobody else can have it.
+    void hold() const;
     /// Lets go of it: what waits goes its usual way.
     void letGo() const;
     void lock(std::uint32_t modifiers, std::uint32_t values) const;

@@ -30,6 +30,8 @@ TapGrabs::~TapGrabs() {
 }
 
 void TapGrabs::apply(const GrabPlan& plan, const TapKeys& keys) {
+    if (plan == plan_)
+        return;
     for (const auto& [key, states] : plan_)
         if (const auto gone = without(states, plan, key); !gone.empty())
             ungrab(key, gone);

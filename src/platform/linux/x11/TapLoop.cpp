@@ -52,7 +52,6 @@ bool TapLoop::run() {
     setUp();
     while (obey()) {
         process();
-        shared_->answered = shared_->asked.load();
         if (!connections_->isBroken())
             wait();
         else if (!comeBack())
@@ -130,7 +129,12 @@ bool TapLoop::comeBack() {
 
 void TapLoop::process() {
     for (;;) {
+        // A sign of life is given only where no press waits: else the guard would take a tap for alive that
+        // is stopped with the keyboard in its hands.
+        const auto question = shared_->asked.load();
         read();
+        if (grabbedKeys_.empty())
+            shared_->answered = question;
         if (!heardKeys_.empty()) {
             const auto heard = heardKeys_.front();
             heardKeys_.pop_front();
@@ -144,18 +148,25 @@ void TapLoop::process() {
                 grabbedKeys_.pop_front();
                 decide(press);
             }
+        } else if (isMapOld_) {
+            readMap();
         } else {
             return;
         }
     }
 }
 
+void TapLoop::readMap() {
+    isMapOld_ = false;
+    if (auto map = KeyboardMap::read(connections_->grabs(), Deadline(serverDeadline)))
+        map_ = std::move(map);
+    regrab();
+}
+
 void TapLoop::read() {
-    if (connections_->read(grabbedKeys_, heardKeys_)) {
-        if (auto map = KeyboardMap::read(connections_->grabs(), Deadline(serverDeadline)))
-            map_ = std::move(map);
-        regrab();
-    }
+    // Each change from the user's keys to ours and back is told as a change of the map: no key waits for
+    // that.
+    isMapOld_ = connections_->read(grabbedKeys_, heardKeys_) || isMapOld_;
     // The end of a grab whose press was passed on or swallowed: nobody waits for it.
     while (!grabbedKeys_.empty() && !grabbedKeys_.front().isPress)
         grabbedKeys_.pop_front();
@@ -223,10 +234,17 @@ bool TapLoop::noteReposted(xcb_keycode_t key) {
 }
 
 void TapLoop::hearRelease(xcb_keycode_t key) {
-    if (shared_->keys[key] == KeyState::givenBack)
+    // A gift may be younger than what is only heard now: then it is for a press that is still to be heard.
+    if (shared_->keys[key] == KeyState::givenBack && !isPressedAgain(key))
         undoGift(key);
     if (down_.contains(key))
         tellRelease(key);
+}
+
+bool TapLoop::isPressedAgain(xcb_keycode_t key) const {
+    return std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
+        return later.key == key && later.isPress && !connections_->isSynthetic(later);
+    });
 }
 
 void TapLoop::undoGift(xcb_keycode_t key) {
@@ -236,6 +254,12 @@ void TapLoop::undoGift(xcb_keycode_t key) {
 }
 
 void TapLoop::decide(const TapKey& press) {
+    const auto question = shared_->asked.load();
+    answer(press);
+    shared_->answered = question;
+}
+
+void TapLoop::answer(const TapKey& press) {
     const bool isRepeated = noteReposted(press.key);
     const bool isUsers = isRepeated || !connections_->isSynthetic(press);
     const auto code = keys_.virtualOf(press.key);

@@ -53,8 +53,10 @@ private:
 
     void process();
     void read();
+    void readMap();
     void hear(const TapKey& heard);
     void hearRelease(xcb_keycode_t key);
+    [[nodiscard]] bool isPressedAgain(xcb_keycode_t key) const;
     void undoGift(xcb_keycode_t key);
     [[nodiscard]] KeySet userDownByNow();
     [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
@@ -62,6 +64,7 @@ private:
     [[nodiscard]] std::optional<TapKey> takeGrabbedIf(const std::function<bool(const TapKey&)>& isWanted);
     bool noteReposted(xcb_keycode_t key);
     void decide(const TapKey& press);
+    void answer(const TapKey& press);
     void passModifier(const TapKey& press);
     void swallow(const TapKey& press);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
@@ -81,6 +84,7 @@ private:
     GuardProcess& guard_;
     std::unique_ptr<TapGrabs> grabs_;
     std::optional<KeyboardMap> map_;
+    bool isMapOld_ = false; ///< It changed, and is read when no key waits.
     TapKeys keys_{"rightControl"};
     std::vector<TappedKey> tappedKeys_;
 

@@ -2,40 +2,34 @@
 
 namespace velorin {
 
+namespace {
+/// Both of them come for certain, so both can be asked for at once; every question that is waited for by
+/// itself holds up the keyboard by a round trip.
+constexpr std::size_t keysOfMarker = 2;
+} // namespace
+
 std::vector<TapKey> Untangler::run(const TapKey& waiting) {
-    if (!hold()) {
-        connections_.replay();
-        connections_.grabs().flush();
-        return {};
-    }
+    hold();
     done_ = caught_ = {waiting};
     return repeat();
 }
 
 std::vector<TapKey> Untangler::runAfterSwallowing(const TapKey& swallowed, std::optional<TapKey> first) {
-    if (!hold()) {
-        letGo();
-        return {};
-    }
-    takeUpTo(swallowed, first ? first : step());
+    hold();
+    takeUpTo(swallowed, first ? first : take());
     return repeat();
 }
 
 std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_keycode_t company) {
-    if (!hold()) {
-        connections_.post(false, swallowed.key);
-        letGo();
-        noteReleased(swallowed);
-        return {};
-    }
+    hold();
     connections_.post(false, swallowed.key);
     caught_ = {{true, company}, {false, company}};
-    takeUpTo(swallowed, step());
+    takeUpTo(swallowed, take());
     return repeat();
 }
 
 void Untangler::takeUpTo(const TapKey& swallowed, std::optional<TapKey> key) {
-    for (; key && (key->isPress || key->key != swallowed.key); key = step()) {
+    for (; key && (key->isPress || key->key != swallowed.key); key = take()) {
         done_.push_back(*key);
         caught_.push_back(*key);
     }
@@ -72,9 +66,9 @@ void Untangler::settle() {
     shared_->keys[marker_] = 0;
 }
 
-bool Untangler::hold() {
+void Untangler::hold() {
     shared_->isHolding = 1;
-    return connections_.hold();
+    connections_.hold();
 }
 
 void Untangler::letGo() {
@@ -83,9 +77,26 @@ void Untangler::letGo() {
     shared_->isHolding = 0;
 }
 
-std::optional<TapKey> Untangler::step() {
-    connections_.step();
+void Untangler::ask(std::size_t keys) {
+    connections_.step(keys);
+    asked_ += keys;
+}
+
+std::optional<TapKey> Untangler::take() {
+    if (asked_ == 0)
+        ask(1);
+    --asked_;
     return connections_.nextGrabbed(grabbedKeys_);
+}
+
+std::optional<TapKey> Untangler::takeBeforeMarkerEnds() {
+    for (;;) {
+        const auto key = take();
+        if (!key || !isMarker(*key))
+            return key;
+        if (!key->isPress)
+            return std::nullopt;
+    }
 }
 
 bool Untangler::isMarker(const TapKey& key) const {
@@ -107,9 +118,8 @@ void Untangler::postMarker() {
 void Untangler::takeAll(bool isFirst) {
     // Synthetic keys that are found at first are what was put in again a moment ago; later, what we undid.
     postMarker();
-    for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
-        if (isMarker(*key))
-            continue;
+    ask(keysOfMarker);
+    while (const auto key = takeBeforeMarkerEnds()) {
         done_.push_back(*key);
         if (isFirst || !connections_.isSynthetic(*key))
             caught_.push_back(*key);
@@ -122,10 +132,9 @@ bool Untangler::tryToRepeat() {
     postMarker();
     for (const auto& key : caught_)
         post(key.isPress, key.key);
+    ask(keysOfMarker); // and no more: what follows the marker must not come to us
     bool isQuiet = true;
-    for (auto key = step(); key && (!isMarker(*key) || key->isPress); key = step()) {
-        if (isMarker(*key))
-            continue;
+    while (const auto key = takeBeforeMarkerEnds()) {
         done_.push_back(*key);
         if (!connections_.isSynthetic(*key)) {
             caught_.push_back(*key);

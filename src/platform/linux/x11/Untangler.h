@@ -35,7 +35,9 @@ public:
     [[nodiscard]] std::vector<TapKey> swallowInCompany(const TapKey& swallowed, xcb_keycode_t company);
 
 private:
-    [[nodiscard]] std::optional<TapKey> step();
+    void ask(std::size_t keys);
+    [[nodiscard]] std::optional<TapKey> take();
+    [[nodiscard]] std::optional<TapKey> takeBeforeMarkerEnds();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
     void post(bool isPress, xcb_keycode_t key);
     void postMarker();
@@ -45,13 +47,14 @@ private:
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();
     [[nodiscard]] std::vector<TapKey> repeat();
-    [[nodiscard]] bool hold();
+    void hold();
     void letGo();
 
     TapConnections& connections_;
     SharedKeyState& shared_;
     std::deque<TapKey>& grabbedKeys_;
     xcb_keycode_t marker_;
+    std::size_t asked_ = 0;      ///< Keys that the server has yet to hand out.
     std::vector<TapKey> done_;   ///< All that happened to the keyboard since it waits, ours as well.
     std::vector<TapKey> caught_; ///< Of that, what is to be repeated.
 };
