@@ -10,7 +10,8 @@ constexpr std::size_t keysOfMarker = 2;
 
 std::vector<TapKey> Untangler::run(const TapKey& waiting) {
     hold();
-    done_ = caught_ = {waiting};
+    note(waiting);
+    caught_ = {waiting};
     return repeat();
 }
 
@@ -30,7 +31,7 @@ std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_key
 
 void Untangler::takeUpTo(const TapKey& swallowed, std::optional<TapKey> key) {
     for (; key && (key->isPress || key->key != swallowed.key); key = take()) {
-        done_.push_back(*key);
+        note(*key);
         caught_.push_back(*key);
     }
     noteReleased(swallowed);
@@ -57,9 +58,9 @@ void Untangler::settle() {
     KeySet down;
     for (const auto& key : caught_)
         down[key.key] = key.isPress;
-    for (const auto& key : done_)
-        if (!down[key.key])
-            shared_->keys[key.key] = 0;
+    for (const auto& [key, change] : done_)
+        if (!down[key])
+            shared_->keys[key] = 0;
     for (const auto& key : caught_)
         if (!down[key.key])
             shared_->keys[key.key] = 0;
@@ -115,27 +116,41 @@ void Untangler::postMarker() {
     connections_.post(false, marker_);
 }
 
+void Untangler::note(const TapKey& key) {
+    auto& change = done_.try_emplace(key.key, Change{!key.isPress}).first->second;
+    change.isDown = key.isPress;
+    change.isOdd ^= key.isPress;
+}
+
+void Untangler::undo() {
+    for (const auto& [key, change] : done_) {
+        if (change.isDown == change.wasDown && change.isOdd)
+            post(!change.wasDown, key);
+        if (change.isDown != change.wasDown || change.isOdd)
+            post(change.wasDown, key);
+    }
+}
+
 void Untangler::takeAll(bool isFirst) {
     // Synthetic keys that are found at first are what was put in again a moment ago; later, what we undid.
     postMarker();
     ask(keysOfMarker);
     while (const auto key = takeBeforeMarkerEnds()) {
-        done_.push_back(*key);
+        note(*key);
         if (isFirst || !connections_.isSynthetic(*key))
             caught_.push_back(*key);
     }
 }
 
 bool Untangler::tryToRepeat() {
-    for (auto key = done_.rbegin(); key != done_.rend(); ++key)
-        post(!key->isPress, key->key);
+    undo();
     postMarker();
     for (const auto& key : caught_)
         post(key.isPress, key.key);
     ask(keysOfMarker); // and no more: what follows the marker must not come to us
     bool isQuiet = true;
     while (const auto key = takeBeforeMarkerEnds()) {
-        done_.push_back(*key);
+        note(*key);
         if (!connections_.isSynthetic(*key)) {
             caught_.push_back(*key);
             isQuiet = false;

@@ -3,15 +3,17 @@
 /// modifier of the swallowed key upon it.
 ///
 /// While the keyboard is held, keys come to us one at a time, and whatever we post queues up behind what the
-/// user does. So: everything that waits is taken, up to a marker of ours. Then it is undone, key by key from
-/// the last one, a marker, and done once more. When the marker comes round and the user did nothing
-/// meanwhile, the keyboard is let go of right there: what we post the second time goes its usual way. If
-/// the user did something, that is taken in and it begins again.
+/// user does. So: everything that waits is taken, up to a marker of ours. Then all keys are brought back to
+/// what they were, a marker, and what the user did is done once more. When the marker comes round and the
+/// user did nothing meanwhile, the keyboard is let go of right there: what we post the second time goes its
+/// usual way. If the user did something, that is taken in and it begins again.
 #pragma once
 
 #include "platform/linux/x11/KeyboardMap.h"
 #include "platform/linux/x11/SharedKeyState.h"
 #include "platform/linux/x11/TapConnections.h"
+
+#include <map>
 
 namespace velorin {
 
@@ -41,6 +43,8 @@ private:
     [[nodiscard]] bool isMarker(const TapKey& key) const;
     void post(bool isPress, xcb_keycode_t key);
     void postMarker();
+    void note(const TapKey& key);
+    void undo();
     void settle();
     void noteReleased(const TapKey& swallowed);
     void takeUpTo(const TapKey& swallowed, std::optional<TapKey> key);
@@ -54,9 +58,15 @@ private:
     SharedKeyState& shared_;
     std::deque<TapKey>& grabbedKeys_;
     xcb_keycode_t marker_;
-    std::size_t asked_ = 0;      ///< Keys that the server has yet to hand out.
-    std::vector<TapKey> done_;   ///< All that happened to the keyboard since it waits, ours as well.
-    std::vector<TapKey> caught_; ///< Of that, what is to be repeated.
+    std::size_t asked_ = 0; ///< Keys that the server has yet to hand out.
+    /// What became of a key since the keyboard waits, by the user's doing and by ours.
+    struct Change {
+        bool wasDown = false;
+        bool isDown = false;
+        bool isOdd = false; ///< Pressed an odd number of times: a lock would be set by it.
+    };
+    std::map<xcb_keycode_t, Change> done_;
+    std::vector<TapKey> caught_; ///< What is to be repeated.
 };
 
 } // namespace velorin
