@@ -8,6 +8,13 @@ namespace {
 constexpr std::size_t keysOfMarker = 2;
 } // namespace
 
+Untangler::Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
+                     xcb_keycode_t marker)
+    : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), marker_(marker) {
+    for (std::size_t key = 0; key < ours_.size(); ++key)
+        ours_[key] = shared_->keys[key] != 0;
+}
+
 std::vector<TapKey> Untangler::run(const TapKey& waiting) {
     hold();
     note(waiting);
@@ -105,8 +112,13 @@ bool Untangler::isMarker(const TapKey& key) const {
 }
 
 void Untangler::post(bool isPress, xcb_keycode_t key) {
-    if (isPress)
+    if (isPress) {
+        // A key that the user let go of is still down on our device, which could not press it again.
+        if (ours_[key])
+            connections_.post(false, key);
         shared_->keys[key] = KeyState::givenBack;
+    }
+    ours_[key] = isPress;
     connections_.post(isPress, key);
 }
 

@@ -21,8 +21,7 @@ class Untangler final {
 public:
     /// The marker is a key that is up and means nothing.
     Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
-              xcb_keycode_t marker)
-        : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), marker_(marker) {}
+              xcb_keycode_t marker);
 
     /// For a press that waits and is to arrive as a press of its own. Gives what was put in again: the keys
     /// of it that are down are held by our device from now on, in the user's stead.
@@ -66,6 +65,7 @@ private:
         bool isOdd = false; ///< Pressed an odd number of times: a lock would be set by it.
     };
     std::map<xcb_keycode_t, Change> done_;
+    KeySet ours_;                ///< What our device may hold down, whatever the keyboard as a whole does.
     std::vector<TapKey> caught_; ///< What is to be repeated.
 };
 
