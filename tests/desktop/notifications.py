@@ -1,8 +1,6 @@
 """Takes the part of the program that shows notifications, and keeps what it was asked to show."""
-import threading
-
-import waiting
-from gi.repository import Gio, GLib
+from bus_service import BusService
+from gi.repository import GLib
 
 _SERVER = """<node><interface name="org.freedesktop.Notifications">
   <method name="Notify"><arg type="s" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
@@ -15,36 +13,14 @@ _SERVER = """<node><interface name="org.freedesktop.Notifications">
 </interface></node>"""
 
 
-class NotificationServer:
+class NotificationServer(BusService):
     """`shown` maps the numbers of the notifications that are on the screen to their texts; `count` tells how many
     there ever were."""
 
     def __init__(self):
         self.shown: dict[int, str] = {}
         self.count = 0
-        ready = threading.Event()
-        self._thread = threading.Thread(target=self._serve, args=(ready,), daemon=True)
-        self._thread.start()
-        if not ready.wait(5):
-            raise waiting.TookTooLong("the notifications could not take their name on the bus")
-
-    def close(self):
-        self._loop.quit()
-        self._thread.join()
-        self._bus.close_sync()
-
-    def _serve(self, ready: threading.Event):
-        context = GLib.MainContext.new()
-        context.push_thread_default()
-        self._loop = GLib.MainLoop.new(context, False)
-        self._bus = Gio.DBusConnection.new_for_address_sync(
-            Gio.dbus_address_get_for_bus_sync(Gio.BusType.SESSION),
-            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
-        interface = Gio.DBusNodeInfo.new_for_xml(_SERVER).interfaces[0]
-        self._bus.register_object("/org/freedesktop/Notifications", interface, self._on_call, None, None)
-        Gio.bus_own_name_on_connection(self._bus, "org.freedesktop.Notifications", Gio.BusNameOwnerFlags.NONE,
-                                       lambda *_: ready.set(), None)
-        self._loop.run()
+        super().__init__("org.freedesktop.Notifications", "/org/freedesktop/Notifications", _SERVER)
 
     def _on_call(self, _bus, _sender, _path, _interface, method, parameters, invocation):
         answer = None

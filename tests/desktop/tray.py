@@ -1,7 +1,6 @@
 """The icon of a program in the tray, and the rows of its menu: the two kinds that desktops have."""
-import threading
-
 import waiting
+from bus_service import BusService
 from gi.repository import Gio, GLib
 
 _CALL_MILLISECONDS = 2000
@@ -18,35 +17,12 @@ _WATCHER = """<node><interface name="org.kde.StatusNotifierWatcher">
 </interface></node>"""
 
 
-class StatusNotifierHost:
+class StatusNotifierHost(BusService):
     """Takes the part of a desktop whose panel shows icons over D-Bus (KDE, Xfce, GNOME with an extension)."""
 
     def __init__(self):
         self._items: list[tuple[str, str]] = []
-        ready = threading.Event()
-        self._thread = threading.Thread(target=self._serve, args=(ready,), daemon=True)
-        self._thread.start()
-        if not ready.wait(_CALL_MILLISECONDS / 1000):
-            raise waiting.TookTooLong("the tray could not take its name on the bus")
-
-    def close(self):
-        """The panel goes away: its name is free again."""
-        self._loop.quit()
-        self._thread.join()
-        self._bus.close_sync()
-
-    def _serve(self, ready: threading.Event):
-        context = GLib.MainContext.new()
-        context.push_thread_default()
-        self._loop = GLib.MainLoop.new(context, False)
-        self._bus = Gio.DBusConnection.new_for_address_sync(
-            Gio.dbus_address_get_for_bus_sync(Gio.BusType.SESSION),
-            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
-        interface = Gio.DBusNodeInfo.new_for_xml(_WATCHER).interfaces[0]
-        self._bus.register_object("/StatusNotifierWatcher", interface, self._on_call, self._on_get, None)
-        Gio.bus_own_name_on_connection(self._bus, "org.kde.StatusNotifierWatcher", Gio.BusNameOwnerFlags.NONE,
-                                       lambda *_: ready.set(), None)
-        self._loop.run()
+        super().__init__("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", _WATCHER)
 
     def _on_call(self, _bus, sender, _path, _interface, method, parameters, invocation):
         if method == "RegisterStatusNotifierItem":
