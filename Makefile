@@ -40,9 +40,11 @@ tap-proof: bootstrap
 # What the overlay costs and promises, on a machine that does nothing else: a quarter of an hour.
 overlay-proof: bootstrap
 	@cmake --preset test --log-level=WARNING
-	@cmake --build build/test -j $(BUILD_JOBS) --target velorin velorin-guard velorin-hurried overlay-stage press say sentences
+	@cmake --build build/test -j $(BUILD_JOBS) --target velorin velorin-guard velorin-hurried velorin-transcribe \
+	    overlay-stage press say sentences
 	@VELORIN_DESKTOP_TOOLS=$(CURDIR)/build/test/libexec/desktop VELORIN_PROGRAM=$(CURDIR)/build/test/bin/velorin \
 	    VELORIN_HURRIED=$(CURDIR)/build/test/bin/velorin-hurried VELORIN_OVERLAY_SHOWS=1000 \
+	    VELORIN_TRANSCRIBE=$(CURDIR)/build/test/bin/velorin-transcribe \
 	    scripts/desktop /usr/bin/python3 -B $(CURDIR)/tests/desktop/OverlayProof.py
 
 # What libFuzzer finds interesting is kept in build/fuzz/corpus from one run to the next.

@@ -44,6 +44,9 @@ Q_SIGNALS:
 
 private:
     void makePanel();
+    void remakePanel();
+    /// The panel with the right views at the right place.
+    void layOut(const AppModel& model);
 
     Surroundings surroundings_;
     OverlayContent content_;

@@ -52,10 +52,18 @@ OverlayPanel::OverlayPanel(QQmlEngine& engine, FloatingWindows& windows)
     });
     for (const auto signal : {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved})
         connect(qApp, signal, this, &OverlayPanel::refit, Qt::QueuedConnection);
+    connect(qApp, &QGuiApplication::screenAdded, this, &OverlayPanel::follow);
+    for (auto* screen : QGuiApplication::screens())
+        follow(screen);
     connect(qApp, &QGuiApplication::primaryScreenChanged, this, &OverlayPanel::refit, Qt::QueuedConnection);
     connect(this, &QWindow::screenChanged, this, &OverlayPanel::refit, Qt::QueuedConnection);
     create();
     windows_.adopt(winId());
+}
+
+void OverlayPanel::follow(QScreen* screen) {
+    connect(screen, &QScreen::geometryChanged, this, &OverlayPanel::refit, Qt::QueuedConnection);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &OverlayPanel::refit, Qt::QueuedConnection);
 }
 
 QSize OverlayPanel::sizeOf(OverlayStyle style) {
@@ -95,9 +103,13 @@ void OverlayPanel::place(const std::optional<RunningApplication>& target) {
                       size.toSize()));
 }
 
+bool OverlayPanel::isOutgrown() const { return scale_ > 0 && scale_ != devicePixelRatio(); }
+
 void OverlayPanel::refit() {
     if (!isVisible())
         return;
+    if (isOutgrown())
+        return Q_EMIT outgrown();
     place(target_);
     refreshShape();
 }
@@ -117,6 +129,8 @@ void OverlayPanel::refreshShape() {
 
 void OverlayPanel::appear() {
     fading_.stop();
+    isWanted_ = true;
+    scale_ = devicePixelRatio();
     setOpacity(0);
     refreshShape();
     show();
@@ -125,6 +139,7 @@ void OverlayPanel::appear() {
 }
 
 void OverlayPanel::disappear() {
+    isWanted_ = false;
     if (isVisible())
         fade(0, static_cast<int>(themeNumber(u"overlayFadeOut")));
 }

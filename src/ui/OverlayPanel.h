@@ -35,6 +35,13 @@ public:
     /// Fades out, then leaves the screen. Nothing happens to a window that is not on it.
     void disappear();
 
+    /// Whether it is shown, and not about to leave.
+    [[nodiscard]] bool isWanted() const { return isWanted_; }
+
+    /// Whether everything has become larger or smaller since it was first shown. What it is drawn on keeps
+    /// its pixels as long as the window has the same size in units, so only a new panel is right.
+    [[nodiscard]] bool isOutgrown() const;
+
     /// Fits the window's outline to whether transparency is drawn.
     void refreshShape();
 
@@ -44,9 +51,12 @@ public:
 Q_SIGNALS:
     /// The end of `disappear()`.
     void disappeared();
+    /// The scale changed while it is shown.
+    void outgrown();
 
 private:
     void fade(double to, int milliseconds);
+    void follow(QScreen* screen);
     void refit();
     [[nodiscard]] QScreen* screenOf(const std::optional<RunningApplication>& target) const;
 
@@ -54,6 +64,8 @@ private:
     OverlayStyle style_ = OverlayStyle::capsule;
     std::optional<RunningApplication> target_;
     QPropertyAnimation fading_;
+    bool isWanted_ = false;
+    double scale_ = 0; ///< At which it was first shown; 0 before.
 };
 
 } // namespace velorin

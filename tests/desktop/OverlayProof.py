@@ -7,7 +7,7 @@ import os
 import time
 import unittest
 
-from desktop import Mousepad, User, Windows, all_sentences, waiting
+from desktop import Mousepad, Program, User, Windows, all_sentences, waiting
 from dictation import Speaker, Velorin
 from IdleTest import megabytes, switches
 from overlay import PLAIN, Stage, percentile
@@ -37,10 +37,19 @@ class Proof(Overlay):
             stage.hide()
             times = json.loads(stage.order(within=SHOWS * 3, measureShows=SHOWS))
             print(f"first show of the process, {name}: {cold:.1f} ms")
-            self.told(f"show to first frame, {name}", times, {0.5: 50, 0.95: 80})
+            self.told(f"show to first frame, {name}", times["painted"], {0.5: 50, 0.95: 80})
+            self.told(f"show to first frame with the fade begun, {name}", times["seen"], {0.5: 50, 0.95: 80})
             stage.__exit__()
 
+    def recogniser(self) -> Program:
+        """Recognises speech, as it comes, for longer than anything is measured."""
+        program = Program([os.environ["VELORIN_TRANSCRIBE"], *[all_sentences()["report"].file] * SECONDS])
+        self.addCleanup(program.__exit__)
+        program.wait_for_line("report", seconds=60)  # the first one is through: the model is loaded
+        return program
+
     def test_motion(self):
+        self.recogniser()
         for style in ("capsule", "card"):
             stage = self.start()
             stage.show(**{**PLAIN, "still": False, "style": style})

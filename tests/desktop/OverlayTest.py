@@ -3,11 +3,13 @@ import os
 import subprocess
 import unittest
 
+import accessible
 import waiting
 from desktop import Mousepad, Program, User, Windows
 from overlay import PLAIN, Stage, screenshot
 from Xlib import X
 from Xlib.ext import shape
+from xsettings import Settings
 
 SHOWS = int(os.environ.get("VELORIN_OVERLAY_SHOWS", "25"))
 SCREEN = (1280, 800)
@@ -96,6 +98,26 @@ class Place(Overlay):
         self.assertTrue(stage.is_running())
 
 
+    def test_a_scale_that_changes_while_it_is_shown(self):
+        settings = Settings()
+        self.addCleanup(settings.close)
+        stage = self.start()
+        stage.show(**PLAIN)
+        self.assert_above(stage, "capsule", 0, SCREEN[0], SCREEN[1] - PANEL)
+        for scale in (2, 1):
+            settings.scale(scale)
+            width = SIZES["capsule"][0] * scale
+            waiting.until(f"the overlay at scale {scale}", 5, lambda: stage.frame()[2] == width)  # noqa: B023
+            self.assert_above(stage, "capsule", 0, SCREEN[0], SCREEN[1] - PANEL, scale)
+            self.assert_drawn_to_the_end(stage)
+
+    def assert_drawn_to_the_end(self, stage: Stage):
+        """What is drawn is as large as the window: at its right end is light glass, not the black of the screen."""
+        _, _, width, height = stage.frame()
+        right_end = (round(width * (1 - 40 / SIZES["capsule"][0])), height // 2)
+        waiting.until("glass at the right end", 5, lambda: min(stage.picture().getpixel(right_end)) > 200)
+
+
 class Manners(Overlay):
     def test_never_takes_the_focus(self):
         user = User()
@@ -103,18 +125,20 @@ class Manners(Overlay):
         stage = self.start()
         with Mousepad(self.windows) as editor:
             focus = self.windows.display.get_input_focus().focus.id
+            element = accessible.focused_text(editor.pid)
             typed = ""
             for number in range(SHOWS):
                 stage.show(**PLAIN)
                 user.tap("a")
                 self.assertEqual(editor.window.id, self.windows.active().id)
                 self.assertEqual(focus, self.windows.display.get_input_focus().focus.id)
+                self.assertTrue(accessible.has_state(element, accessible.FOCUSED))
                 stage.hide()
                 user.tap("b")
                 typed += "ab"
             editor.wait_for_text(typed, seconds=10)
             self.assertEqual(editor.window.id, self.windows.active().id)
-        print(f"{SHOWS} shows and hides: the focus never changed, no key was lost")
+        print(f"{SHOWS} shows and hides: neither the focus nor the element of the caret changed, no key was lost")
 
     def test_passes_clicks_on_above_a_full_screen_window(self):
         user = User()
