@@ -1,6 +1,9 @@
 #include "delivery/PasteService.h"
 
+#include "delivery/ContextDetector.h"
+#include "delivery/ElectronApplications.h"
 #include "platform/Background.h"
+#include "text/Graphemes.h"
 
 #include <algorithm>
 #include <thread>
@@ -8,6 +11,18 @@
 namespace velorin {
 
 using namespace std::chrono_literals;
+
+namespace {
+
+/// Whether what is pasted goes through a page, as in all browsers but one.
+bool isPage(const std::optional<RunningApplication>& target) {
+    const auto kin = target ? target->kin : std::nullopt;
+    const bool isBrowser =
+        kin && ContextDetector::isBrowser(*kin) && !Graphemes::beginsWith(*kin, u"org.mozilla.firefox");
+    return isBrowser || (target && isElectron(*target));
+}
+
+} // namespace
 
 PasteService::PasteService(Pasteboard& pasteboard, SyntheticKeyboard& keyboard, Trust& trust, Clock& clock)
     : pasteboard_(pasteboard), keyboard_(keyboard), trust_(trust), clock_(clock) {}
@@ -39,6 +54,7 @@ bool PasteService::insert(const QString& text, const std::optional<RunningApplic
     paste->saved = std::move(*saved);
     paste->changeCount = *count;
     paste->targetProcess = target ? target->processIdentifier : 0;
+    paste->isPage = isPage(target);
     // The look before the one at which the content may come back tells whether the target is still reading:
     // some read twice.
     lookLater(selection, restoreDelay - lookInterval);
@@ -53,8 +69,8 @@ bool PasteService::isStillOurs(const Paste& paste) {
     return pasteboard_.changeCount(paste.selection) == paste.changeCount;
 }
 
-bool PasteService::wasRead(const Paste& paste) {
-    return std::ranges::any_of(pasteboard_.fetches(paste.selection), [&](const PasteboardFetch& fetch) {
+std::ptrdiff_t PasteService::readings(const Paste& paste) {
+    return std::ranges::count_if(pasteboard_.fetches(paste.selection), [&](const PasteboardFetch& fetch) {
         if (fetch.processIdentifier == 0 || paste.targetProcess == 0)
             return !fetch.isClipboardManager;
         return fetch.processIdentifier == paste.targetProcess;
@@ -66,12 +82,13 @@ bool PasteService::awaitEarlier(const Paste& paste) {
     const auto deadline = std::chrono::steady_clock::now() + earlierPasteDeadline;
     for (;;) {
         const auto known = pasteboard_.fetches(paste.selection).size();
-        if (wasRead(paste))
+        const auto read = readings(paste);
+        if (read >= (paste.isPage ? 2 : 1))
             return true;
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         if (left <= 0ms || !pasteboard_.awaitFetch(paste.selection, known, left))
-            return false;
+            return read > 0;
     }
 }
 
@@ -94,14 +111,22 @@ void PasteService::look(PasteboardSelection selection) {
         return;
     }
     auto& paste = *pasteOf(selection);
-    const bool read = wasRead(paste);
+    const auto read = readings(paste);
     const auto fetches = pasteboard_.fetches(selection).size();
-    const bool isQuiet = fetches == std::exchange(paste.knownFetches, fetches);
-    const bool isDone = paste.waited >= restoreDelay && read && isQuiet;
-    if (isDone || paste.waited >= fetchDeadline || !isStillOurs(paste))
-        finish(selection, read);
+    const bool wasQuiet = fetches == std::exchange(paste.knownFetches, fetches);
+    paste.quiet = wasQuiet ? paste.quiet + lookInterval : 0ms;
+    const bool isDone = paste.waited >= restoreDelay && read > 0 && paste.quiet >= quietFor(paste, read);
+    const bool isGivenUp = paste.waited >= (read > 0 ? 2 * fetchDeadline : fetchDeadline);
+    if (isDone || isGivenUp || !isStillOurs(paste))
+        finish(selection, read > 0);
     else
         lookLater(selection, lookInterval);
+}
+
+std::chrono::milliseconds PasteService::quietFor(const Paste& paste, std::ptrdiff_t readings) {
+    if (!paste.isPage)
+        return lookInterval;
+    return readings > 1 ? pageQuiet : pageQuietAfterOne;
 }
 
 void PasteService::finish(PasteboardSelection selection, bool read) {

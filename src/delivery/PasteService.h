@@ -5,9 +5,11 @@
 ///     if (paste.insert(text, target)) …   // handed over; nothing confirms yet that it was pasted
 ///
 /// The content comes back `restoreDelay` after the keystroke, but not before the target has read the text,
-/// else a slow one would paste what the user had copied before. If nobody has read it after `fetchDeadline`,
-/// the content comes back all the same and `onUnverifiedPaste` is called. Whoever copies something
-/// meanwhile keeps that. Main thread.
+/// else a slow one would paste what the user had copied before. A page in a browser is pasted into in several
+/// readings, between which its own work may come, and a change of owner among them ends the paste without a
+/// word: there it comes back only when no more reading is to be expected. If nobody has read it after
+/// `fetchDeadline`, the content comes back all the same and `onUnverifiedPaste` is called. Whoever copies
+/// something meanwhile keeps that. Main thread.
 #pragma once
 
 #include "platform/Clock.h"
@@ -31,6 +33,10 @@ public:
     /// How long a second paste waits for the application to read the text of the first one.
     static constexpr std::chrono::milliseconds earlierPasteDeadline{300};
     static constexpr std::chrono::milliseconds lookInterval{100};
+    /// How long a page must have read nothing more: it reads at least twice as a rule, and once in some
+    /// fields.
+    static constexpr std::chrono::milliseconds pageQuiet{1000};
+    static constexpr std::chrono::milliseconds pageQuietAfterOne{2000};
     /// A copy is looked for in steps of this, and what it brought is read within that.
     static constexpr std::chrono::milliseconds copyStep{20};
     static constexpr std::chrono::milliseconds copyReadDeadline{100};
@@ -64,14 +70,18 @@ private:
         PasteboardContents saved;
         quint64 changeCount = 0;
         qint64 targetProcess = 0;
+        bool isPage = false;
         std::chrono::milliseconds waited{0};
+        std::chrono::milliseconds quiet{0}; ///< Since somebody read it.
         std::size_t knownFetches = 0;
         Subscription nextLook;
     };
 
     [[nodiscard]] std::optional<Paste>& pasteOf(PasteboardSelection selection);
     [[nodiscard]] bool isStillOurs(const Paste& paste);
-    [[nodiscard]] bool wasRead(const Paste& paste);
+    /// How often the target has read the text.
+    [[nodiscard]] std::ptrdiff_t readings(const Paste& paste);
+    [[nodiscard]] static std::chrono::milliseconds quietFor(const Paste& paste, std::ptrdiff_t readings);
     [[nodiscard]] bool awaitEarlier(const Paste& paste);
     [[nodiscard]] std::optional<PasteboardContents> saveFor(PasteboardSelection selection);
     void lookLater(PasteboardSelection selection, std::chrono::milliseconds delay);

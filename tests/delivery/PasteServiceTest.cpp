@@ -111,6 +111,54 @@ TEST_F(PasteServiceTest, WaitsForASlowTargetAndUntilItHasReadTwice) {
     EXPECT_EQ(unverified, 0);
 }
 
+TEST_F(PasteServiceTest, WaitsUntilAPageReadsNoMore) {
+    auto browser = *target;
+    browser.kin = u"com.google.Chrome.beta"_s;
+    EXPECT_TRUE(paste.insert(u"hello"_s, browser));
+    targetReads();
+    clock.advance(1900ms);
+    EXPECT_THAT(pasteboard.restored, IsEmpty()) << "its own work keeps it from reading once more";
+    targetReads();
+    clock.advance(1000ms);
+    EXPECT_THAT(pasteboard.restored, IsEmpty());
+    clock.advance(100ms);
+    EXPECT_THAT(pasteboard.restored, SizeIs(1));
+    EXPECT_EQ(unverified, 0);
+}
+
+TEST_F(PasteServiceTest, ReadingOnceIsEnoughForSomeFieldsOfABrowser) {
+    auto browser = *target;
+    browser.kin = u"com.google.Chrome"_s;
+    EXPECT_TRUE(paste.insert(u"hello"_s, browser));
+    targetReads();
+    clock.advance(2500ms);
+    EXPECT_THAT(pasteboard.restored, SizeIs(1));
+    EXPECT_EQ(unverified, 0);
+}
+
+TEST_F(PasteServiceTest, APageThatHasReadOnlyOnceIsWaitedForBeforeTheNextText) {
+    auto browser = *target;
+    browser.kin = u"com.google.Chrome"_s;
+    EXPECT_TRUE(paste.insert(u"one"_s, browser));
+    targetReads();
+    pasteboard.onAwaitFetch = [this] {
+        targetReads();
+        return true;
+    };
+    EXPECT_TRUE(paste.insert(u"two"_s, browser));
+    EXPECT_EQ(pasteboard.calls.count(u"awaitFetch clipboard"_s), 1);
+}
+
+TEST_F(PasteServiceTest, WhoeverKeepsReadingDoesNotKeepTheClipboard) {
+    EXPECT_TRUE(paste.insert(u"hello"_s, target));
+    for (int i = 0; i < 100; ++i) {
+        targetReads();
+        clock.advance(100ms);
+    }
+    EXPECT_THAT(pasteboard.restored, SizeIs(1));
+    EXPECT_EQ(unverified, 0);
+}
+
 TEST_F(PasteServiceTest, TellsWhenNobodyReadTheText) {
     EXPECT_TRUE(paste.insert(u"hello"_s, target));
     clock.advance(4999ms);

@@ -1,4 +1,5 @@
 """One cell of the matrix: a text put into an application in a situation, and all that can be said of it."""
+import contextlib
 import itertools
 import time
 from typing import NamedTuple
@@ -105,6 +106,10 @@ def run(target: Target, delivery: Delivery, text: Text, situation: Situation) ->
         faults.insert(0, f"text: {_shown(there)} instead of {_shown(expected)}")
     elif readable is None:
         faults.append("text: came late")
+    if faults and not reply.told:
+        # What the user is told comes right after the clipboard has come back.
+        with contextlib.suppress(waiting.TookTooLong):
+            waiting.until("words for the user", 1, lambda: delivery.told()[told:])
     return Cell(target.name, text.name, situation.name, reply.path, reply.took, readable, faults,
                 " ".join(delivery.told()[told:]))
 

@@ -3,6 +3,7 @@ import json
 import os
 import subprocess
 
+import clipboard
 import waiting
 
 from .target import TARGETS, State, Target
@@ -29,6 +30,12 @@ class Writer(Target):
     def enter(self):
         waiting.until("an empty document", self.start_seconds, lambda: self.state().text == "")
         self.window = self._window_in_front() or self.window
+        # What is selected first in it, it offers late.
+        self.user.tap("a")
+        self.wait_for(State("a", 1, 1))
+        self.user.chord("Control_L", "a")
+        waiting.until("the selection offered", 10, lambda: clipboard.read(selection="primary") == b"a")
+        self.clear()
 
     def state(self):
         self._asker.stdin.write("\n")

@@ -2,6 +2,7 @@
 import itertools
 import json
 import os
+import time
 
 import clipboard
 import waiting
@@ -11,6 +12,7 @@ from .texts import Situation
 
 LINE = os.path.join(TARGETS, "line.py")
 _WORD = "markedWord"  # on the screen, to be selected with the mouse
+_CLICKS_SECONDS = 0.6  # between clicks that are none of one double click, in all terminals
 _COLUMN = 40  # pixels from the left, within the word
 
 
@@ -57,8 +59,7 @@ class Terminal(Target):
         clipboard.write(b"nothing of the screen", selection="primary")
         x, y = self.windows.corner(self.window)
         for below in itertools.islice(itertools.cycle(self._rows), 60):
-            # Elsewhere first, so that no click counts as a third.
-            self.user.click(*self.windows.centre(self.window))
+            time.sleep(_CLICKS_SECONDS)
             self.user.click(x + _COLUMN, y + below, times=2)
             if self._is_word_selected():
                 self._rows = [below]
