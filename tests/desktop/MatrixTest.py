@@ -26,7 +26,7 @@ class Matrix(unittest.TestCase):
             self.addCleanup(target.close)
             target.start()
             with Delivery() as delivery:
-                for situation, text in matrix.few_cells(target):
+                for situation, text in matrix.few_cells():
                     with self.subTest(target=row.name, text=text.name, situation=situation.name):
                         cell = matrix.run(target, delivery, text, situation)
                         self.assertEqual([], cell.faults)

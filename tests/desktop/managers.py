@@ -7,9 +7,12 @@ from typing import NamedTuple
 
 import clipboard
 import waiting
+from applications.accessible_editors import QtField
 from applications.target import Target
 from delivery import Delivery
 from program import Program
+from user import User
+from windows import Windows
 
 
 class Manager(NamedTuple):
@@ -24,6 +27,7 @@ MANAGERS = [
     Manager("Parcellite", ["parcellite", "-n"]),
     Manager("ClipIt", ["clipit", "-n"]),
     Manager("Diodon", ["diodon"]),
+    Manager("GPaste", ["/usr/libexec/gpaste/gpaste-daemon"]),
 ]
 _OWN = "copied by the user herself beside "
 _DICTATED = "dictated, and nobody should keep it, beside "
@@ -55,6 +59,7 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
         clipboard.write(own.encode())
         time.sleep(2)
         target.clear()
+        delivery.direct(False)  # by the clipboard, whatever else the field takes
         delivery.aim()
         delivery.insert(dictated + "\n")
         waiting.until("the text", 5, lambda: dictated in target.state().text)
@@ -65,3 +70,22 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
     if not _is_kept(own):
         return "not told: it wrote no history"
     return "**keeps the dictated text**" if _is_kept(dictated) else "does not keep it"
+
+
+def section(windows: Windows, user: User, words: list[str]) -> str:
+    """For the page; the managers whose names hold one of the words, if there are any."""
+    chosen = [each for each in MANAGERS if not words or any(word.lower() in each.name.lower() for word in words)]
+    if not chosen:
+        return ""
+    rows = []
+    target = QtField(windows, user)
+    try:
+        target.start()
+        with Delivery() as delivery:
+            for manager in chosen:
+                rows.append(f"| {manager.name} | {check(manager, target, delivery)} |\n")
+                print(rows[-1], end="", flush=True)
+    finally:
+        target.close()
+    return ("\n## Clipboard managers\n\nWhether they keep a dictated text that passes through the clipboard, marked for "
+            "them not to.\n\n| Manager | |\n|---|---|\n" + "".join(rows))

@@ -123,7 +123,7 @@ def cells() -> list[tuple[Situation, Text]]:
     return [(situation, text) for situation in SITUATIONS for text in TEXTS]
 
 
-def few_cells(target: Target) -> list[tuple[Situation, Text]]:
+def few_cells() -> list[tuple[Situation, Text]]:
     """Every text once, and every situation with a text of one line and one of several."""
     return [(situation, text) for situation, text in cells()
-            if (situation is SITUATIONS[1] or text in TEXTS[:2]) and ("\t" not in text.content or target.keeps_typed_tabs)]
+            if situation is SITUATIONS[1] or text in TEXTS[:2]]

@@ -71,7 +71,7 @@ def troubles(cells: list[Cell]) -> str:
     return "\n## What was wrong or declined\n\n" + ("".join(lines) or "Nothing.\n")
 
 
-def page(results: list[tuple[type, list[Cell] | None]], texts: int, situations: int, managers: str = "") -> str:
+def page(results: list[tuple[type, list[Cell] | None]], texts: int, situations: int, more: str = "") -> str:
     cells = [cell for _, some in results for cell in some or []]
     return (_HEAD.format(texts=texts, situations=situations) + "".join(row(target, some) for target, some in results)
-            + times_by_path(cells) + natures([target for target, _ in results]) + managers + troubles(cells))
+            + times_by_path(cells) + natures([target for target, _ in results]) + more + troubles(cells))

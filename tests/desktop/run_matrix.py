@@ -6,7 +6,9 @@ import sys
 
 import accessible
 import matrix
+import managers
 import matrix_page
+import selections
 from applications import ALL
 from applications.texts import SITUATIONS, TEXTS
 from delivery import Delivery
@@ -14,7 +16,7 @@ from user import User
 from windows import Windows
 
 
-def fill(row, windows: Windows, user: User) -> list[matrix.Cell] | None:
+def fill(row, windows: Windows, user: User, looks: list) -> list[matrix.Cell] | None:
     """All cells of a row; what is left of them when the application fails; nothing if it is not installed."""
     if not row.is_installed():
         return None
@@ -25,6 +27,7 @@ def fill(row, windows: Windows, user: User) -> list[matrix.Cell] | None:
         with Delivery() as delivery:
             for situation, text in matrix.cells():
                 cells.append(matrix.run(target, delivery, text, situation))
+            looks.append(selections.look(target, delivery))
     except AssertionError as error:
         cells.append(matrix.failed(row.name, str(error)))
     finally:
@@ -35,18 +38,20 @@ def fill(row, windows: Windows, user: User) -> list[matrix.Cell] | None:
 def main(page: str, words: list[str]) -> int:
     windows, user = Windows(), User()
     accessible.switch_on()
-    results = []
+    results, looks = [], []
     for row in ALL:
         if words and not any(word.lower() in row.name.lower() for word in words):
             continue
-        results.append((row, fill(row, windows, user)))
+        results.append((row, fill(row, windows, user, looks)))
         print(matrix_page.row(*results[-1]), end="", flush=True)
         for cell in results[-1][1] or []:
             if cell.faults:
                 print(f"    {cell}", flush=True)
+        print(*looks[-1:], flush=True)
     with open(page, "w", encoding="utf-8") as file:
-        file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS)))
-    return 1 if any(cell.faults for _, cells in results for cell in cells or []) else 0
+        more = selections.section(looks) + managers.section(windows, user, words)
+        file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS), more))
+    return 1 if any(look.faults for look in looks) or any(cell.faults for _, cells in results for cell in cells or []) else 0
 
 
 sys.exit(main(sys.argv[1], sys.argv[2:]))

@@ -33,7 +33,6 @@ class Target:
     package = ""  # of Debian
     program = ""  # found in PATH when it is installed
     replaces_selection = True
-    keeps_typed_tabs = True  # or goes to the next field with one
     nature = ""  # where it does by nature something else with a text; for the page
     start_seconds = 40.0
 
@@ -104,6 +103,10 @@ class Target:
     def normal(self, text: str) -> str:
         """The text as this field would tell it, where that differs by nature."""
         return text
+
+    def selected(self, situation: Situation) -> str:
+        """What is selected in it in this situation."""
+        return situation.selected
 
     def expected(self, text: Text, situation: Situation, path: str) -> str:
         """What stands in the field after the text was inserted on this path."""

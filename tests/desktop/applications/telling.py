@@ -36,8 +36,7 @@ class Telling(Target):
 class TkEntry(Telling):
     name = "an entry of Tk"
     package = "python3-tk"
-    keeps_typed_tabs = False
-    nature = "a tab that is typed goes to the next field; on X11 Tk pastes before the caret and leaves what is selected where it is."
+    nature = "on X11 Tk pastes before the caret and leaves what is selected where it is; what is typed replaces it."
     program = "wish"
 
     def command(self):

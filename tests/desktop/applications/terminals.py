@@ -17,7 +17,7 @@ _COLUMN = 40  # pixels from the left, within the word
 
 
 class Terminal(Target):
-    nature = "what is selected stands on the screen and stays; a tab that is typed completes."
+    nature = "what is selected stands on the screen and stays."
     replaces_selection = False  # what is selected stands on the screen, not in the line
 
     def launch(self):
@@ -76,10 +76,8 @@ class Terminal(Target):
         except waiting.TookTooLong:
             return False
 
-    def expected(self, text, situation, path):
-        # A tab that is typed completes, as in a shell.
-        content = text.content.replace("\t", "") if path == "synthetic typing" else text.content
-        return situation.before + content + situation.after
+    def selected(self, situation):
+        return _WORD
 
 
 class XTerm(Terminal):
