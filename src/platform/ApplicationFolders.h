@@ -1,4 +1,4 @@
-/// Where the application keeps its files, and who the user is. Main thread.
+/// Where the application keeps its files. Main thread.
 #pragma once
 
 #include <QString>
@@ -14,9 +14,6 @@ public:
 
     /// Where recordings lie while they wait to be sent; private to the user, memory-backed where it can be.
     [[nodiscard]] virtual QString temporaryFolder() const = 0;
-
-    /// The user's full name, or the login name where none is known.
-    [[nodiscard]] virtual QString userFullName() const = 0;
 };
 
 } // namespace velorin

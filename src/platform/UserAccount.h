@@ -9,7 +9,8 @@ class UserAccount {
 public:
     virtual ~UserAccount() = default;
 
-    /// The person's full name as the system knows it; empty when it knows none. Returns within half a second.
+    /// The person's full name as the system knows it, or the login name; empty when it knows neither. Returns
+    /// within half a second.
     [[nodiscard]] virtual QString fullName() const = 0;
 };
 

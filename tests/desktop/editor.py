@@ -33,3 +33,9 @@ class Mousepad(Program):
 
     def clear(self):
         accessible.replace_text(self._text, "")
+
+    def write(self, text: str):
+        accessible.replace_text(self._text, text)
+
+    def selection(self) -> tuple[int, int]:
+        return accessible.selection_of(self._text)

@@ -20,12 +20,16 @@ QString readFullName(uid_t user) {
     passwd* found = nullptr;
     if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr ||
         entry.pw_gecos == nullptr)
-        return {};
-    const QString comment = QString::fromLocal8Bit(entry.pw_gecos);
-    return comment.section(QLatin1Char(','), 0, 0);
+        return qEnvironmentVariable("USER");
+    return PasswdAccount::nameOf(QString::fromLocal8Bit(entry.pw_gecos), QString::fromLocal8Bit(entry.pw_name));
 }
 
 } // namespace
+
+QString PasswdAccount::nameOf(const QString& comment, const QString& login) {
+    const QString name = comment.section(QLatin1Char(','), 0, 0).trimmed();
+    return name.isEmpty() ? login : name;
+}
 
 // The list may be a server of the network that does not answer: then there is no name, and the thread ends
 // when it does.

@@ -5,11 +5,8 @@
 #include <QStandardPaths>
 
 #include <linux/magic.h>
-#include <pwd.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-
-#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,16 +34,6 @@ QString XdgFolders::temporaryFolder() const {
     if (!runtime.isEmpty() && QDir(runtime).exists())
         return runtime + u"/velorin"_s;
     return sharedTemporaryFolder() + u"/velorin-%1"_s.arg(geteuid());
-}
-
-QString XdgFolders::userFullName() const {
-    passwd entry{};
-    passwd* found = nullptr;
-    std::vector<char> buffer(4096);
-    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found)
-        return qEnvironmentVariable("USER");
-    const QString fullName = QString::fromLocal8Bit(entry.pw_gecos).section(u',', 0, 0).trimmed();
-    return fullName.isEmpty() ? QString::fromLocal8Bit(entry.pw_name) : fullName;
 }
 
 void XdgFolders::removeLeftovers() const {

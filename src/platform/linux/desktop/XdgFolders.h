@@ -11,7 +11,6 @@ public:
     [[nodiscard]] QString dataFolder() const override;
     /// "velorin" in $XDG_RUNTIME_DIR, which is in memory; without one, in the system's temporary folder.
     [[nodiscard]] QString temporaryFolder() const override;
-    [[nodiscard]] QString userFullName() const override;
 
     /// Removes recordings that a killed process left behind. Safe only for the one running instance.
     void removeLeftovers() const;
