@@ -83,6 +83,13 @@ std::optional<off_t> beginOfTornLine(int descriptor) {
     return ::lseek(descriptor, 0, SEEK_END) > 0 ? std::optional<off_t>(0) : std::nullopt;
 }
 
+/// The disk was full in the middle of a line: it goes, unless somebody has written behind it since.
+void takeBack(int descriptor, off_t count) {
+    const off_t end = ::lseek(descriptor, 0, SEEK_CUR);
+    if (end == ::lseek(descriptor, 0, SEEK_END))
+        (void)!::ftruncate(descriptor, end - count);
+}
+
 } // namespace
 
 std::optional<QByteArray> read(const QString& path, qint64 mostBytes) {
@@ -96,7 +103,8 @@ std::optional<QByteArray> read(const QString& path, qint64 mostBytes) {
 bool write(const QString& path, const QByteArray& data) {
     makeFolder(path);
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.setPermissions(ownerOnly) &&
+    // Without a buffer: what a full disk did not take is seen here, and not thrown away with the buffer.
+    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.setPermissions(ownerOnly) &&
            file.write(data) == data.size() && file.commit();
 }
 
@@ -122,7 +130,10 @@ bool appendLine(const QString& path, const QByteArray& line) {
     const Lock lock(file.get());
     // In one call, at the end as it is then: two processes never mix their lines.
     const QByteArray whole = line + '\n';
-    return ::write(file.get(), whole.constData(), static_cast<std::size_t>(whole.size())) == whole.size();
+    const auto written = ::write(file.get(), whole.constData(), static_cast<std::size_t>(whole.size()));
+    if (written > 0 && written < whole.size())
+        takeBack(file.get(), written);
+    return written == whole.size();
 }
 
 void mendLastLine(const QString& path, const std::function<bool(const QByteArray&)>& isWhole) {

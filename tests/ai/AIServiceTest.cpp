@@ -149,6 +149,29 @@ TEST_F(AnAIService, TheTestWantsAnOK) {
     EXPECT_EQ(words(awaited(service.test(configuration()))), u"The AI response couldn’t be read."_s);
 }
 
+TEST_F(AnAIService, TestsTheMachinesOwnModelInTheSameWay) {
+    languageModel.state = LanguageModel::Availability::available;
+    languageModel.answer = u"ok."_s;
+    EXPECT_EQ(awaited(service.test(onDevice())), u"ok."_s);
+    EXPECT_EQ(languageModel.requests.front().maximumResponseTokens, 512);
+    EXPECT_EQ(languageModel.requests.front().prompt, u"Reply with OK."_s);
+}
+
+TEST_F(AnAIService, CutsTheContextOfTheMachinesOwnModelShorter) {
+    languageModel.state = LanguageModel::Availability::available;
+    languageModel.answer = u"A note."_s;
+    // Characters as people count them: each of these is two code units.
+    EXPECT_TRUE(awaited(
+        service.generate(u"a note"_s, u"e\u0301"_s.repeated(7000), ContextProfile::chat, onDevice())));
+    EXPECT_EQ(languageModel.requests.front().prompt.count(u"e\u0301"_s), 6000);
+}
+
+TEST_F(AnAIService, WithoutANameThePromptSaysSo) {
+    account.name.clear();
+    EXPECT_TRUE(awaited(service.generate(u"a note"_s, {}, ContextProfile::chat, configuration())));
+    EXPECT_TRUE(chat.systemMessage().contains(u"\nThe user's name is . Never write placeholders"_s));
+}
+
 TEST_F(AnAIService, SendsARecordingAsAForm) {
     transcription.answerTranscription(u" Grüße "_s);
     EXPECT_EQ(transcribe(recording("RIFF")), u"Grüße"_s);

@@ -308,6 +308,52 @@ TEST_F(ProviderTranscription, IsNothingForOllama) {
     EXPECT_FALSE(model->aiReady());
 }
 
+TEST_F(FinishingFlow, ATranscriptionThatFailsIsToldWhileTheRecognisersTextIsPolished) {
+    configurePolish();
+    model->setAITranscriptionEnabled(true);
+    model->setAITranscriptionModel(u"a-listener"_s);
+    transcriptionSession.answer = tl::unexpected(HttpFailure{u"No network."_s});
+    pressHold();
+    audioInput.block(someSound());
+    hear(u"one two three four"_s, true);
+    releaseHold();
+    ASSERT_TRUE(waitUntilSettled());
+    EXPECT_EQ(transcriptionSession.requests.size(), 1U);
+    EXPECT_EQ(model->lastInsertedText(), u"One two, three four."_s);
+    expectEnd(u"Idle"_s, OverlayPhase::done,
+              u"Provider transcription failed; used Apple’s on-device transcript. No network."_s);
+    EXPECT_TRUE(log.lines().contains(u"ai: provider transcription failed: No network."_s));
+    EXPECT_FALSE(QFile::exists(audioFiles.paths.front()));
+}
+
+TEST_F(FinishingFlow, AFailureOfTheMachinesOwnModelIsToldInItsWords) {
+    configureGenerate();
+    model->setAIProvider(AIProvider::apple);
+    languageModel.state = LanguageModel::Availability::available;
+    languageModel.answer = tl::unexpected(LanguageModelFailure{u"too hot"_s, false});
+    say(u"generate a note"_s);
+    expectEnd(u"Idle"_s, OverlayPhase::error, u"Apple Intelligence couldn’t complete the request: too hot"_s);
+}
+
+TEST_F(FinishingFlow, WithoutTheMachinesOwnModelDictationsArePlain) {
+    configureGenerate();
+    model->setAIProvider(AIProvider::apple);
+    model->setAIPolishEnabled(true);
+    say(u"generate one two three four"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"Generate one two three four"_s);
+    EXPECT_FALSE(model->hasErrorMessage());
+}
+
+TEST_F(FinishingFlow, ATriggerWithAColonBehindItAndAWordThatBeginsLikeIt) {
+    configureGenerate();
+    model->setAIGenerateTrigger(u"Write me something"_s);
+    say(u"write: a note."_s);
+    EXPECT_EQ(chatSession.userMessage(), u"<instruction>\na note\n</instruction>"_s);
+    say(u"writer at work"_s);
+    EXPECT_EQ(chatSession.requests.size(), 1U);
+    EXPECT_EQ(model->lastInsertedText(), u"Writer at work"_s);
+}
+
 TEST_F(FinishingFlow, TheConnectionTestIsALineWhateverHappens) {
     const auto test = [this] { return awaited(model->testAIConnection()); };
     EXPECT_EQ(test(), u"This Mac doesn’t support Apple Intelligence."_s);

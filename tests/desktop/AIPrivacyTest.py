@@ -28,7 +28,7 @@ class KeptWhereItBelongs(Finishing):
         flows = [("ok", {"aiPolishEnabled": True}, self.sentence.text),
                  ("ok", {"aiEnabled": True}, f"One {REPLY}."),
                  ("ok", {"aiGenerateEnabled": True}, f"Two {REPLY}s."),
-                 ("ok", {"aiTranscriptionEnabled": True, "aiPolishEnabled": True}, f"The {HEARD} said it."),
+                 ("ok", {"aiTranscriptionEnabled": True, "aiPolishEnabled": True}, f"The {HEARD} said it"),
                  ("status-500-html", {"aiTranscriptionEnabled": True, "aiPolishEnabled": True}, self.sentence.text)]
         for mode, switches, text in flows:
             self.provider.reply = text

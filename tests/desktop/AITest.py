@@ -141,7 +141,7 @@ class Transcription(Finishing):
         self.provider.transcript = "the provider heard this"
         with self.start("ok", aiTranscriptionEnabled=True) as velorin:
             self.speaker.hold(self.sentence)
-            self.editor.wait_for_text("The provider heard this.", 10)
+            self.editor.wait_for_text("The provider heard this", 10)
             self.trace("transcription", velorin)
         body = self.provider.requests[-1].body
         self.assertIn(b"a-listener", body)
@@ -155,8 +155,8 @@ class Transcription(Finishing):
             self.provider.transcript = "the second that was heard"
             self.provider.late.set()
             self.end_another(velorin, said)
-            self.editor.wait_for_text("The second that was heard.", 10)
-            self.assertEqual(self.history(), ["The second that was heard."])
+            self.editor.wait_for_text("The second that was heard", 10)
+            self.assertEqual(self.history(), ["The second that was heard"])
 
     def test_refused_inserts_what_was_recognised(self):
         with self.start("status-500-html", aiTranscriptionEnabled=True) as velorin:

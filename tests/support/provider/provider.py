@@ -24,6 +24,8 @@ import tempfile
 import threading
 import zlib
 
+import http2
+
 HTML = b"<html><body>Out of order</body></html>"
 _BOMB_BYTES = 32 << 20
 _HUGE_BYTES = 100 << 20
@@ -51,7 +53,11 @@ class _Connection(socketserver.StreamRequestHandler):
     def handle(self):
         provider = self.server.provider
         provider.connections += 1
+        self.answered = 0
         try:
+            if self.server.context and self.connection.selected_alpn_protocol() == "h2":
+                http2.serve(self.rfile, self.wfile, provider)
+                return
             while request := self._read():
                 if request.method == "GET":
                     self._send(json.dumps(self._told(request.path)).encode())
@@ -60,6 +66,7 @@ class _Connection(socketserver.StreamRequestHandler):
                 mode = request.path.split("/")[1]
                 if not self._answer(provider, mode, request):
                     return
+                self.answered += 1
         except (ConnectionError, ssl.SSLError, TimeoutError):
             pass  # The client has gone: that is what many tests make it do.
 
@@ -124,6 +131,8 @@ class _Connection(socketserver.StreamRequestHandler):
             return self._reset()
         elif mode == "resetatonce":
             return self._reset()
+        elif mode == "onlyfirst" and self.answered:
+            return self._reset()
         elif mode == "toolong":
             self._send(good, length=len(good) + 100)
             return False
@@ -187,9 +196,12 @@ class Provider:
 
     def serve_tls(self, folder: pathlib.Path):
         import certificates
-        for kind, file in certificates.make(folder).items():
+        files = certificates.make(folder)
+        for kind, file in [*files.items(), ("http2", files["good"])]:
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(file)
+            if kind == "http2":
+                context.set_alpn_protocols(["h2"])
             self.addresses[kind] = self._serve("https", "localhost", context)
         self.addresses["authority"] = str(folder / "authority.pem")
 
@@ -211,6 +223,10 @@ class Provider:
 
     def address(self, mode: str, kind: str = "http") -> str:
         return f"{self.addresses[kind]}/{mode}"
+
+    def answer_over_http2(self, body: bytes) -> bytes:
+        self.requests.append(Request("POST", "HTTP/2", {}, body))
+        return self.answer(self.requests[-1])
 
     def answer(self, request: Request) -> bytes:
         if request.path.endswith("/audio/transcriptions"):

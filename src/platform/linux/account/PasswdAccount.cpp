@@ -21,7 +21,8 @@ QString readFullName(uid_t user) {
     if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr ||
         entry.pw_gecos == nullptr)
         return qEnvironmentVariable("USER");
-    return PasswdAccount::nameOf(QString::fromLocal8Bit(entry.pw_gecos), QString::fromLocal8Bit(entry.pw_name));
+    return PasswdAccount::nameOf(QString::fromLocal8Bit(entry.pw_gecos),
+                                 QString::fromLocal8Bit(entry.pw_name));
 }
 
 } // namespace

@@ -79,8 +79,9 @@ void JsonUserDefaults::write() {
     keepUnreadable();
     QSaveFile file(path_);
     const QByteArray data = QJsonDocument(values_).toJson(QJsonDocument::Indented);
-    const bool written = file.open(QIODevice::WriteOnly) && file.setPermissions(ownerOnly) &&
-                         file.write(data) == data.size() && file.commit();
+    // Without a buffer: what a full disk did not take is seen here, and not thrown away with the buffer.
+    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                         file.setPermissions(ownerOnly) && file.write(data) == data.size() && file.commit();
     if (written)
         hasChanges_ = false;
     else

@@ -5,11 +5,14 @@
 #include <QCoreApplication>
 #include <QHash>
 #include <QHostAddress>
+#include <QIODevice>
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
 #include <QThreadPool>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -55,6 +58,26 @@ QNetworkRequest networkRequest(const HttpRequest& request, const QSslConfigurati
 }
 
 } // namespace
+
+/// A request that is read once: Qt would send it again by itself when a connection ends without an answer,
+/// and the server may have done by then what it was asked.
+class OneTimeBody final : public QIODevice {
+public:
+    explicit OneTimeBody(QByteArray body) : body_(std::move(body)) { open(ReadOnly | Unbuffered); }
+    [[nodiscard]] qint64 size() const override { return body_.size(); }
+    bool seek(qint64 position) override { return position == pos() && QIODevice::seek(position); }
+
+protected:
+    qint64 readData(char* data, qint64 most) override {
+        const auto piece = QByteArrayView(body_).sliced(pos()).first(std::min(most, body_.size() - pos()));
+        std::ranges::copy(piece, data);
+        return piece.size();
+    }
+    qint64 writeData(const char* /*data*/, qint64 /*size*/) override { return -1; }
+
+private:
+    QByteArray body_;
+};
 
 /// The proxies that were found for the hosts so far: Qt asks for them where nothing may take long.
 class QtHttpSession::KnownProxies final : public QNetworkProxyFactory {
@@ -119,7 +142,12 @@ private:
         drop();
         received_.clear();
         isForgotten_ = false;
-        reply_ = session_.manager_->post(networkRequest(request_, session_.tls_), request_.body);
+        isConnectionNew_ = false;
+        auto body = std::make_unique<OneTimeBody>(request_.body);
+        reply_ = session_.manager_->post(networkRequest(request_, session_.tls_), body.get());
+        body.release()->setParent(reply_); // The reply may read it as long as it is there.
+        QObject::connect(reply_, &QNetworkReply::socketStartedConnecting, &context_,
+                         [this] { isConnectionNew_ = true; });
         const auto onActivity = [this] { hear(); };
         QObject::connect(reply_, &QNetworkReply::encrypted, &context_, onActivity);
         QObject::connect(reply_, &QNetworkReply::uploadProgress, &context_, onActivity);
@@ -153,12 +181,20 @@ private:
     void end() {
         const auto self = shared_from_this();
         const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        if (status == 0 && reply_->error() == QNetworkReply::ContentReSendError) {
+            endUnanswered();
+            return;
+        }
         if (status == 0 || isTransportError(reply_->error())) {
             fail(reply_->errorString());
             return;
         }
         if (!take())
             return;
+        if (isCutShort()) {
+            fail(tr("Connection closed"));
+            return;
+        }
         if (const QUrl next = redirected(status); next.isValid()) {
             request_.url = next;
             post();
@@ -166,6 +202,22 @@ private:
         }
         forget();
         result_.give(HttpResponse{status, received_});
+    }
+
+    /// Qt takes a connection that is reset at the wrong moment for the end of the reply.
+    [[nodiscard]] bool isCutShort() const {
+        bool isTold = false;
+        const qint64 length = reply_->rawHeader("Content-Length").toLongLong(&isTold);
+        return isTold && received_.size() < length;
+    }
+
+    /// The server has hung up without an answer. On a connection that was kept it had done so while nobody
+    /// asked it anything; a new one is worth one try.
+    void endUnanswered() {
+        if (isConnectionNew_ || std::exchange(isSecondTry_, true))
+            fail(tr("Connection closed"));
+        else
+            post();
     }
 
     /// Where the request goes on; invalid when its reply is to be handed out.
@@ -194,6 +246,8 @@ private:
     QPointer<QNetworkReply> reply_;
     QByteArray received_;
     int redirects_ = 0;
+    bool isConnectionNew_ = false;
+    bool isSecondTry_ = false;
     bool isForgotten_ = false;
     Subscription silence_;
     Subscription whole_;

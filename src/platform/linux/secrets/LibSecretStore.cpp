@@ -44,10 +44,11 @@ public:
         thread_.join();
     }
 
-    /// False while the service owes an answer.
+    /// False while the service owes an answer. One call follows the other at once: that the thread has not
+    /// yet come back from the last one's answer is no reason to refuse.
     bool begin(Job job) {
         const std::lock_guard lock(mutex_);
-        if (job_ || isBusy_)
+        if (isMissed_)
             return false;
         current_ = SecretCalls::newCancellable();
         job_ = std::move(job);
@@ -70,13 +71,11 @@ private:
             wakeUp_.wait(lock, [this] { return isEnding_ || job_ || isMissed_; });
             if (isEnding_)
                 return;
-            isBusy_ = true;
             const Job job = std::exchange(job_, nullptr);
             if (job)
                 run(lock, job);
             while (isMissed_ && !isEnding_)
                 waitForTheService(lock);
-            isBusy_ = false;
         }
     }
 
@@ -102,7 +101,6 @@ private:
     std::condition_variable wakeUp_;
     SecretCalls::Cancellable current_ = SecretCalls::newCancellable();
     Job job_;
-    bool isBusy_ = false;
     bool isMissed_ = false;
     bool isEnding_ = false;
     std::thread thread_; ///< Last: it uses the others.
@@ -124,8 +122,8 @@ void LibSecretStore::watchTheBus() {
         std::make_unique<QDBusServiceWatcher>(busName, bus, QDBusServiceWatcher::WatchForRegistration, this)
             .release(); // Our child.
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &LibSecretStore::changed);
-    bus.connect(busName, QString(), u"org.freedesktop.Secret.Service"_s, u"CollectionChanged"_s, this,
-                SLOT(changed()));
+    for (const auto& signal : {u"CollectionCreated"_s, u"CollectionChanged"_s})
+        bus.connect(busName, QString(), u"org.freedesktop.Secret.Service"_s, signal, this, SLOT(changed()));
     bus.connect(busName, QString(), u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s, this,
                 SLOT(changed()));
 }

@@ -50,7 +50,15 @@ Error forgetSession(GError* error) {
     return Error(error);
 }
 
+/// The library's connection would end the program together with the bus.
+void surviveTheBus(GCancellable* cancellable) {
+    const Ref<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
+    if (bus)
+        g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
+}
+
 Ref<SecretService> connect(GCancellable* cancellable, Error* failure = nullptr) {
+    surviveTheBus(cancellable);
     GError* error = nullptr;
     Ref<SecretService> service(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable, &error));
     Error kept = forgetSession(error);

@@ -53,7 +53,5 @@ TEST_F(XdgFoldersOfTheUser, LeftoversOfAKilledProcessGoAndNothingElse) {
     EXPECT_TRUE(QFile::exists(other));
 }
 
-TEST_F(XdgFoldersOfTheUser, TheUserHasAName) { EXPECT_FALSE(folders_.userFullName().isEmpty()); }
-
 } // namespace
 } // namespace velorin

@@ -62,6 +62,19 @@ TEST_F(AQtHttpSession, KeepsItsConnection) {
     EXPECT_EQ(provider.connections(), 1);
 }
 
+TEST_F(AQtHttpSession, SpeaksHttp2WhereTheServerDoes) {
+    QtHttpSession session(clock, patient, provider.trust());
+    for (int i = 0; i < 3; ++i) {
+        const auto reply = awaited(session.send(request(provider.url(u"ok"_s, u"http2"_s))));
+        ASSERT_TRUE(reply) << reply.error().sentence.toStdString();
+        EXPECT_EQ(reply->status, 200);
+        EXPECT_TRUE(reply->body.startsWith("{\"choices\""));
+    }
+    EXPECT_EQ(provider.connections(), 1);
+    EXPECT_EQ(provider.requests().size(), 3);
+    EXPECT_EQ(lastRequest()[u"path"].toString(), u"HTTP/2"_s);
+}
+
 TEST_F(AQtHttpSession, HandsOutRefusalsWithTheirBodies) {
     for (const int status : {400, 401, 403, 404, 429, 500, 503}) {
         const auto reply = send(provider.url(u"status-%1-json"_s.arg(status)));
@@ -80,8 +93,22 @@ TEST_F(AQtHttpSession, FailsWithTheSystemsOwnWordsWithoutAServer) {
 }
 
 TEST_F(AQtHttpSession, ARequestThatIsResetIsMadeNoSecondTime) {
-    EXPECT_NE(failure(send(provider.url(u"reset"_s))), QString());
-    EXPECT_EQ(provider.requests().size(), 1);
+    for (const auto& mode : {u"reset"_s, u"resetatonce"_s, u"nothttp"_s}) {
+        SCOPED_TRACE(mode.toStdString());
+        const auto before = provider.requests().size();
+        EXPECT_EQ(failure(send(provider.url(mode))), u"Connection closed"_s);
+        EXPECT_EQ(provider.requests().size(), before + 1);
+    }
+}
+
+TEST_F(AQtHttpSession, AKeptConnectionThatTheServerHasClosedIsReplacedOnce) {
+    QtHttpSession session(clock, patient, provider.trust());
+    ASSERT_TRUE(awaited(session.send(request(provider.url(u"ok"_s)))));
+    // The server hangs up on the second request of each connection.
+    const auto reply = awaited(session.send(request(provider.url(u"onlyfirst"_s))));
+    ASSERT_TRUE(reply) << reply.error().sentence.toStdString();
+    EXPECT_EQ(reply->status, 200);
+    EXPECT_EQ(provider.connections(), 2);
 }
 
 TEST_F(AQtHttpSession, AReplyThatIsCutShortIsNone) {

@@ -21,6 +21,8 @@ public:
     /// Stops it from running, or lets it go on.
     void freeze();
     void thaw();
+    /// The bus goes, and with it everything on it.
+    void endBus();
     /// Locks the collection, or unlocks it as a login does.
     bool lock();
     bool unlock();
