@@ -280,6 +280,13 @@ void TapLoop::passModifier(const TapKey& press) {
     grabs_->releaseModifier(press.key);
     Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
     expectAgain(untangler.run(press));
+    if (isBoundKeyDown()) // the next press of it may be hidden again
+        grabs_->grabModifiers(modifierKeys(keys_));
+    connections_->grabs().flush();
+}
+
+bool TapLoop::isBoundKeyDown() const {
+    return std::ranges::any_of(swallowed_, [&](xcb_keycode_t key) { return grabs_->isBound(key); });
 }
 
 void TapLoop::swallow(const TapKey& press) {
@@ -346,7 +353,7 @@ TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
 void TapLoop::tellRelease(xcb_keycode_t key) {
     const auto code = down_.extract(key).mapped();
     swallowed_.erase(key);
-    if (std::ranges::none_of(swallowed_, [&](xcb_keycode_t other) { return grabs_->isBound(other); })) {
+    if (!isBoundKeyDown()) {
         grabs_->releaseModifiers();
         connections_->grabs().flush();
     }

@@ -66,6 +66,7 @@ private:
     void decide(const TapKey& press);
     void answer(const TapKey& press);
     void passModifier(const TapKey& press);
+    [[nodiscard]] bool isBoundKeyDown() const;
     void swallow(const TapKey& press);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
     void expectAgain(const std::vector<TapKey>& keys);

@@ -175,6 +175,31 @@ TEST_F(X11EventTapTest, HidesOtherModifiersWhileABoundKeyIsDown) {
     EXPECT_EQ(toString(window.keys(2)), "133+ 133-/64") << "no longer hidden";
 }
 
+TEST_F(X11EventTapTest, HidesAModifierAgainThatItPassedBefore) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    std::atomic<bool> passesShift = true;
+    handled.answer = [&](const KeyEvent& event) {
+        return event.keyCode == 56 && passesShift ? TapAnswer::pass : TapAnswer::swallow;
+    };
+    user.press(rightControl);
+    awaitGrabs(leftShift);
+    user.tap(leftShift);
+    EXPECT_EQ(toString(window.keys(2)), "50+ 50-/1");
+    (void)handled.text(3);
+    passesShift = false;
+    // It is grabbed anew a moment after it passed.
+    const Deadline deadline(10s);
+    do {
+        user.tap(leftShift);
+        user.tap(letterA);
+    } while (window.keysThrough(letterA).front().key == leftShift && !deadline.hasPassed());
+    EXPECT_FALSE(deadline.hasPassed());
+    user.release(rightControl);
+    user.sync();
+    EXPECT_TRUE(down().none());
+}
+
 TEST_F(X11EventTapTest, ShowsTheDesktopAnotherKeyWhenSuperWasHeld) {
     start({fnAnyhow()});
     awaitGrabs(rightControl);
