@@ -19,10 +19,12 @@ bool KeyWriter::clearModifiers(Deadline deadline) {
 }
 
 void KeyWriter::release(xcb_keycode_t key) {
+    touched_.set(key);
     xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
 }
 
 void KeyWriter::post(xcb_keycode_t key, std::uint8_t why) {
+    touched_.set(key);
     state_->keys[key] = why;
     xcb_test_fake_input(connection_.get(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
 }
@@ -32,7 +34,7 @@ bool KeyWriter::finish(Deadline deadline) {
         giveBack(deadline);
     if (connection_.sync(deadline)) // the releases are in the server: there is nothing to undo
         for (unsigned key = 0; key < 256; ++key)
-            if (!givenBack_[key])
+            if (touched_[key] && !givenBack_[key])
                 state_->keys[key] = 0;
     return !connection_.isBroken();
 }

@@ -37,6 +37,7 @@ private:
     const XConnection& connection_;
     SharedKeyState& state_;
     const KeyboardMap& map_;
+    KeySet touched_; ///< By us; the tap may hold others down meanwhile.
     KeySet cleared_;
     KeySet givenBack_;
 };
