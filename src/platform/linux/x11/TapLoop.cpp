@@ -271,6 +271,8 @@ void TapLoop::answer(const TapKey& press) {
         passModifier(press);
         return;
     }
+    if (isUsers && grabs_->isBound(press.key)) // what is let go of now may make its shortcut active
+        grabs_->grabModifiers(modifierKeys(keys_));
     connections_->replay();
     connections_->grabs().flush();
 }
@@ -286,7 +288,7 @@ void TapLoop::passModifier(const TapKey& press) {
 }
 
 bool TapLoop::isBoundKeyDown() const {
-    return std::ranges::any_of(swallowed_, [&](xcb_keycode_t key) { return grabs_->isBound(key); });
+    return std::ranges::any_of(down_, [&](const auto& key) { return grabs_->isBound(key.first); });
 }
 
 void TapLoop::swallow(const TapKey& press) {
