@@ -134,13 +134,16 @@ void Untangler::note(const TapKey& key) {
     change.isOdd ^= key.isPress;
 }
 
-void Untangler::undo() {
+std::size_t Untangler::undo() {
+    std::size_t changes = 0;
     for (const auto& [key, change] : done_) {
         if (change.isDown == change.wasDown && change.isOdd)
             post(!change.wasDown, key);
         if (change.isDown != change.wasDown || change.isOdd)
             post(change.wasDown, key);
+        changes += change.isDown != change.wasDown ? 1 : 0;
     }
+    return changes;
 }
 
 void Untangler::takeAll(bool isFirst) {
@@ -155,11 +158,12 @@ void Untangler::takeAll(bool isFirst) {
 }
 
 bool Untangler::tryToRepeat() {
-    undo();
+    const auto changes = undo();
     postMarker();
     for (const auto& key : caught_)
         post(key.isPress, key.key);
-    ask(keysOfMarker); // and no more: what follows the marker must not come to us
+    // Each change comes, by us or by the user just before us. No more: what follows the marker must not come.
+    ask(changes + keysOfMarker);
     bool isQuiet = true;
     while (const auto key = takeBeforeMarkerEnds()) {
         note(*key);

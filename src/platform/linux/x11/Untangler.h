@@ -43,7 +43,7 @@ private:
     void post(bool isPress, xcb_keycode_t key);
     void postMarker();
     void note(const TapKey& key);
-    void undo();
+    std::size_t undo();
     void settle();
     void noteReleased(const TapKey& swallowed);
     void takeUpTo(const TapKey& swallowed, std::optional<TapKey> key);
