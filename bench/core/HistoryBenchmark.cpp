@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
@@ -14,7 +16,16 @@ namespace {
 constexpr int records = 200;
 constexpr qsizetype characters = 4000;
 
-struct Desk : ModelDesk {
+/// The model waits in an event loop, which needs one.
+struct Application {
+    int argc = 1;
+    char name[1] = {};
+    char* argv[1] = {name};
+    std::unique_ptr<QCoreApplication> application =
+        QCoreApplication::instance() ? nullptr : std::make_unique<QCoreApplication>(argc, argv);
+};
+
+struct Desk : Application, ModelDesk {
     Desk() {
         start();
         for (int i = 0; i < records; ++i)
