@@ -3,7 +3,7 @@
 #include "core/AppModel.h"
 #include "ui/UpdateController.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 namespace velorin {
 namespace {
@@ -16,10 +16,21 @@ bool haveSameKinds(const QList<MenuRows::Row>& a, const QList<MenuRows::Row>& b)
 /// An ampersand in a text is not meant as the mark of a key.
 QString asLabel(QString text) { return text.replace(u'&', QStringLiteral("&&")); }
 
+/// Rows that are only to be read are to be read: styles draw them as faint as what cannot be used.
+void makeNotesLegible(QMenu& menu) {
+    QPalette palette = QApplication::palette();
+    QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    text.setAlphaF(0.68F);
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, text);
+    menu.setPalette(palette);
+}
+
 } // namespace
 
 MenuContent::MenuContent(AppModel& model, UpdateController& updater) : model_(model), updater_(updater) {
     menu_.setToolTipsVisible(true);
+    connect(&menu_, &QMenu::aboutToShow, this, [this] { makeNotesLegible(menu_); });
     for (const auto signal :
          {&AppState::isRecordingChanged, &AppState::shortcutConfigurationChanged,
           &AppState::contextModeChanged, &AppState::hasContextChanged, &AppState::activeProfileChanged,

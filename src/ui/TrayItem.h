@@ -23,6 +23,8 @@ public:
     TrayItem(AppModel& model, Theme& theme, TrayHosts& hosts, QMenu& menu);
 
     [[nodiscard]] bool isShown() const { return icon_ != nullptr; }
+    /// Null where no host is.
+    [[nodiscard]] const QSystemTrayIcon* icon() const { return icon_.get(); }
 
 Q_SIGNALS:
     void isShownChanged();

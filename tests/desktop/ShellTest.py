@@ -10,7 +10,7 @@ import signal
 import unittest
 
 import waiting
-from desktop import EmbeddedTray, StatusNotifierHost, User, Windows
+from desktop import EmbeddedTray, Program, StatusNotifierHost, User, Windows
 from dictation import HOLD, Velorin
 from notifications import NotificationServer
 
@@ -94,21 +94,41 @@ class WithoutNotifications(Shell):
     def test_an_error_is_one_notification(self):
         server = NotificationServer()
         self.addCleanup(server.close)
+        host = StatusNotifierHost()
+        self.addCleanup(host.close)
         user = User()
         self.addCleanup(user.close)
-        self.start()
+        velorin = self.start()
+        self.assertEqual("Velorin", host.tool_tip(velorin.pid))
+        text = "No audio input device is available."
         for _ in range(2):
-            user.press(HOLD)
-            waiting.until("a notification", 10,
-                          lambda: list(server.shown.values()) == ["No audio input device is available."])
-            user.release(HOLD)
-        self.assertEqual(1, len(server.shown))
+            said = len(velorin.lines)
+            user.tap(HOLD)
+            velorin.wait_for_line(text, 10, said)
+        waiting.until("one notification", 10, lambda: list(server.shown.values()) == [text])
+        waiting.until("the tool tip", 10, lambda: host.tool_tip(velorin.pid) == f"Velorin\n{text}")
 
 
 class WithoutBus(Shell):
     def test_it_has_its_icon_in_a_panel_that_embeds(self):
         velorin = self.start()
         EmbeddedTray(self.windows, None).wait_for_icon(velorin.pid)
+
+    def test_a_bus_that_dies_while_it_runs(self):
+        bus = Program(["dbus-daemon", "--session", "--nofork", "--print-address=1"])
+        self.addCleanup(bus.__exit__)
+        address = bus.wait_for_line("^unix:.*", seconds=10)[0]
+        velorin = self.start(environment={"DBUS_SESSION_BUS_ADDRESS": address})
+        bus.end()
+        user = User()
+        self.addCleanup(user.close)
+        said = len(velorin.lines)
+        user.press(HOLD)
+        waiting.until("the overlay", 10, lambda: self.windows.popups_of(velorin.pid))
+        user.release(HOLD)
+        velorin.wait_until_stopped(said)
+        waiting.until("the overlay to be gone", 10, lambda: not self.windows.popups_of(velorin.pid))
+        self.assertTrue(velorin.is_running())
 
 
 if __name__ == "__main__":

@@ -139,6 +139,32 @@ TEST_F(ShellTest, StartAtLoginIsAChoiceOfTheWindow) {
     EXPECT_TRUE(loginItem.isOn);
 }
 
+TEST_F(ShellTest, TheIconIsRedExactlyWhileItRecords) {
+    trayHosts.isThere = true;
+    launch();
+    const auto isRed = [this] {
+        const QImage image = app->tray().icon()->icon().pixmap(22).toImage();
+        const QColor color = image.pixelColor(11, 12);
+        return color.red() > 150 && color.green() < 130;
+    };
+    EXPECT_FALSE(isRed());
+    EXPECT_EQ(app->tray().icon()->toolTip(), u"Velorin"_s);
+    model->setIsRecording(true);
+    EXPECT_TRUE(isRed());
+    EXPECT_EQ(app->tray().icon()->toolTip(), u"Velorin, recording"_s);
+    model->setIsRecording(false);
+    EXPECT_FALSE(isRed());
+}
+
+TEST_F(ShellTest, TheIconTellsAnErrorUntilItIsOver) {
+    trayHosts.isThere = true;
+    launch();
+    model->setErrorMessage(u"No microphone."_s);
+    EXPECT_EQ(app->tray().icon()->toolTip(), u"Velorin\nNo microphone."_s);
+    model->setErrorMessage(std::nullopt);
+    EXPECT_EQ(app->tray().icon()->toolTip(), u"Velorin"_s);
+}
+
 TEST(BrandMark, IsDrawnInTheColourAskedFor) {
     const auto mark = BrandMark::image(QColor(Qt::red), 2.0);
     EXPECT_EQ(mark.size(), QSize(60, 40));
