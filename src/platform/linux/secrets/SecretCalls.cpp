@@ -57,8 +57,15 @@ void surviveTheBus(GCancellable* cancellable) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
 }
 
+/// Without this word the library's connection ends the whole process when the bus goes away.
+void outliveTheBus(GCancellable* cancellable) {
+    if (const Ref<GDBusConnection> bus{g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr)})
+        g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
+}
+
 Ref<SecretService> connect(GCancellable* cancellable, Error* failure = nullptr) {
     surviveTheBus(cancellable);
+    outliveTheBus(cancellable);
     GError* error = nullptr;
     Ref<SecretService> service(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable, &error));
     Error kept = forgetSession(error);
