@@ -32,7 +32,7 @@ def windows_of_all(windows: Windows) -> int:
 
 def bring_to_front(windows: Windows, target: Target):
     windows.bring_to_front(target.window)
-    waiting.until(f"{target.name} in front", 5, lambda: windows.is_active(target.window))
+    waiting.until(f"{target.name} in front", 20, lambda: windows.is_active(target.window))
 
 
 def insert(target: Target, delivery: Delivery, number: int) -> str:
@@ -65,6 +65,8 @@ def main(count: int) -> int:
             if fault := insert(target, delivery, number):
                 wrong.append(fault)
                 print(fault, flush=True)
+            if number % 100 == 99:
+                print(f"{number + 1 - len(wrong)} of {number + 1} exact, memory {memory(delivery.pid)} kB", flush=True)
             if number == _WARM_UP:
                 before = memory(delivery.pid), windows_of_all(windows)
             time.sleep(chance.random() if number % 2 else 0)  # people pause as they like
