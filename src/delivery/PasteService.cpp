@@ -112,8 +112,8 @@ void PasteService::look(PasteboardSelection selection) {
     }
     auto& paste = *pasteOf(selection);
     const auto read = readings(paste);
-    const auto fetches = pasteboard_.fetches(selection).size();
-    const bool wasQuiet = fetches == std::exchange(paste.knownFetches, fetches);
+    // Others may look at the clipboard as often as they like.
+    const bool wasQuiet = read == std::exchange(paste.knownReadings, read);
     paste.quiet = wasQuiet ? paste.quiet + lookInterval : 0ms;
     const bool isDone = paste.waited >= restoreDelay && read > 0 && paste.quiet >= quietFor(paste, read);
     const bool isGivenUp = paste.waited >= (read > 0 ? 2 * fetchDeadline : fetchDeadline);

@@ -72,8 +72,8 @@ private:
         qint64 targetProcess = 0;
         bool isPage = false;
         std::chrono::milliseconds waited{0};
-        std::chrono::milliseconds quiet{0}; ///< Since somebody read it.
-        std::size_t knownFetches = 0;
+        std::chrono::milliseconds quiet{0}; ///< Since the target read it.
+        std::ptrdiff_t knownReadings = 0;
         Subscription nextLook;
     };
 
