@@ -6,6 +6,15 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
+namespace {
+
+/// As it stands within an array.
+QByteArray indented(const QJsonObject& json) {
+    QByteArray text = QJsonDocument(json).toJson(QJsonDocument::Indented).chopped(1);
+    return "    " + text.replace("\n", "\n    ");
+}
+
+} // namespace
 
 QJsonObject DictationRecord::toJson() const {
     QJsonObject json{{u"id"_s, id.toString(QUuid::WithoutBraces).toUpper()},
@@ -32,16 +41,24 @@ std::optional<DictationRecord> DictationRecord::fromJson(const QJsonObject& json
     return record.id.isNull() || !record.date.isValid() ? std::nullopt : std::optional(std::move(record));
 }
 
-QByteArray encode(const QList<DictationRecord>& records) {
-    QJsonArray array;
-    for (const DictationRecord& record : records)
-        array.append(record.toJson());
-    return QJsonDocument(array).toJson(QJsonDocument::Indented);
+QByteArray DictationRecordsEncoder::encode(const QList<DictationRecord>& records) {
+    const auto before = std::exchange(known_, {});
+    QByteArray text = "[\n";
+    for (const DictationRecord& record : records) {
+        auto entry = before.value(record.id);
+        if (entry.first != record)
+            entry = {record, indented(record.toJson())};
+        text += known_.isEmpty() ? "" : ",\n";
+        text += entry.second;
+        known_.insert(record.id, std::move(entry));
+    }
+    text += records.isEmpty() ? "]\n" : "\n]\n";
+    return text;
 }
 
-std::optional<QList<DictationRecord>> decodeDictationRecords(const QByteArray& json) {
+std::optional<QList<DictationRecord>> decodeDictationRecords(const QByteArray& json, qsizetype most) {
     const auto document = QJsonDocument::fromJson(json);
-    if (!document.isArray())
+    if (!document.isArray() || document.array().size() > most)
         return std::nullopt;
     QList<DictationRecord> records;
     for (const QJsonValue entry : document.array()) {

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
 #include <QUuid>
 
+#include <limits>
 #include <optional>
+#include <utility>
 
 namespace velorin {
 
@@ -26,9 +29,19 @@ struct DictationRecord {
     [[nodiscard]] static std::optional<DictationRecord> fromJson(const QJsonObject& json);
 };
 
-/// The list as the text of its file, newest first, and back. One unreadable record makes the whole
-/// unreadable.
-[[nodiscard]] QByteArray encode(const QList<DictationRecord>& records);
-[[nodiscard]] std::optional<QList<DictationRecord>> decodeDictationRecords(const QByteArray& json);
+/// The list as the text of its file, newest first. The list is written anew with each dictation: what was in
+/// it the last time is not encoded once more.
+class DictationRecordsEncoder final {
+public:
+    [[nodiscard]] QByteArray encode(const QList<DictationRecord>& records);
+
+private:
+    QHash<QUuid, std::pair<DictationRecord, QByteArray>> known_;
+};
+
+/// The list back from the text. One unreadable record makes the whole unreadable, and so do more than `most`,
+/// before any is looked at.
+[[nodiscard]] std::optional<QList<DictationRecord>>
+decodeDictationRecords(const QByteArray& json, qsizetype most = std::numeric_limits<qsizetype>::max());
 
 } // namespace velorin

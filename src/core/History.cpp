@@ -20,10 +20,12 @@ QString History::filePath() const { return folders_.dataFolder() + u"/history.js
 void History::load() {
     PrivateFiles::removeLeftovers(filePath());
     const auto data = PrivateFiles::read(filePath(), mostBytesRead);
-    auto records = data ? decodeDictationRecords(*data) : std::nullopt;
-    isUnreadable_ = (!records || records->size() > mostRecordsRead) && QFile::exists(filePath());
-    if (records && !isUnreadable_)
-        model_.setHistory(std::move(*records));
+    auto records = data ? decodeDictationRecords(*data, mostRecordsRead) : std::nullopt;
+    isUnreadable_ = !records && QFile::exists(filePath());
+    if (!records)
+        return;
+    (void)encoder_.encode(*records); // the first dictation waits less than the start does
+    model_.setHistory(std::move(*records));
 }
 
 void History::record(const QString& raw, const QString& cleaned) {
@@ -61,7 +63,7 @@ void History::clear() {
 
 void History::save() {
     if (!isUnreadable_ || keepUnreadable())
-        PrivateFiles::write(filePath(), encode(model_.history()));
+        PrivateFiles::write(filePath(), encoder_.encode(model_.history()));
 }
 
 bool History::keepUnreadable() {

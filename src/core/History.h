@@ -37,6 +37,7 @@ private:
     AppModel& model_;
     ApplicationFolders& folders_;
     Clock& clock_;
+    DictationRecordsEncoder encoder_;
     bool isUnreadable_ = false;
 };
 

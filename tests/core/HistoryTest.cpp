@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -125,6 +127,34 @@ TEST_F(HistoryOfTheModel, OneRecordWithoutARequiredKeyMakesTheWholeUnreadable) {
         R"({"id":"5E2A4C0B-7B64-4E0C-9E31-0A6C0C3B7C11","date":"2026-01-02T03:04:05Z","appName":"A","text":"t"})";
     EXPECT_EQ(decodeDictationRecords("[" + good + "]")->first().raw, std::nullopt);
     EXPECT_FALSE(decodeDictationRecords("[" + good + R"(,{"id":"x"}])").has_value());
+}
+
+TEST(DictationRecordsEncoder, WritesTheSameTextWhateverItWroteBefore) {
+    const auto whole = [](const QList<DictationRecord>& records) {
+        QJsonArray array;
+        for (const auto& record : records)
+            array.append(record.toJson());
+        return QJsonDocument(array).toJson(QJsonDocument::Indented);
+    };
+    const auto now = QDateTime::fromString(u"2024-05-06T07:08:09Z"_s, Qt::ISODate);
+    QList<DictationRecord> records;
+    DictationRecordsEncoder encoder;
+    EXPECT_EQ(encoder.encode(records), whole(records));
+    for (const QString& text : {u"one\nline, \"two\""_s, u"\u00e9\u65e5\U0001F44B"_s, u"[\n    {"_s}) {
+        records.prepend(
+            {.id = QUuid::createUuid(), .date = now, .appName = u"A"_s, .text = text, .raw = std::nullopt});
+        EXPECT_EQ(encoder.encode(records), whole(records));
+    }
+    records.append(records.first()); // somebody else's doing
+    records.last().text = u"changed"_s;
+    EXPECT_EQ(encoder.encode(records), whole(records));
+    records.removeFirst();
+    EXPECT_EQ(encoder.encode(records), whole(records));
+}
+
+TEST(DecodeDictationRecords, LooksAtNoneOfTooMany) {
+    EXPECT_TRUE(decodeDictationRecords("[]", 0).has_value());
+    EXPECT_FALSE(decodeDictationRecords("[{}]", 0).has_value());
 }
 
 TEST_F(HistoryOfTheModel, DeletingSavesAlsoWhenTheRecordWasGone) {
