@@ -3,6 +3,9 @@
 //           [--seed N] --subject PROGRAM [PART…]: what the tap promises, measured with real programs in
 //           front.
 //
+// --configuration N tries random keys with one set of shortcuts only. --replay KEYS types with it the keys
+// that a run printed, and finds the shortest list that still differs.
+//
 // Prints a row a measurement and fails when one is beyond its limit. The parts: keys, delays, neighbours,
 // kills, stops, disturbances, idle.
 #include "Stage.h"
@@ -23,9 +26,13 @@ const std::vector<std::pair<std::string, void (*)(Stage&)>> parts{
 
 Options optionsOf(int count, char** arguments, std::vector<std::string>& chosen) {
     Options options;
-    const std::map<std::string, int*> numbers{
-        {"--rate", &options.rate},     {"--kills", &options.kills},     {"--stops", &options.stops},
-        {"--rounds", &options.rounds}, {"--samples", &options.samples}, {"--idle", &options.idleSeconds}};
+    const std::map<std::string, int*> numbers{{"--rate", &options.rate},
+                                              {"--kills", &options.kills},
+                                              {"--stops", &options.stops},
+                                              {"--rounds", &options.rounds},
+                                              {"--samples", &options.samples},
+                                              {"--idle", &options.idleSeconds},
+                                              {"--configuration", &options.configuration}};
     for (int i = 1; i < count; ++i) {
         const std::string word = arguments[i];
         if (!word.starts_with("--")) {
@@ -39,6 +46,8 @@ Options optionsOf(int count, char** arguments, std::vector<std::string>& chosen)
             options.subject = value;
         else if (word == "--presses")
             options.presses = std::stol(value);
+        else if (word == "--replay")
+            options.replay = value;
         else if (word == "--seed")
             options.seed = static_cast<unsigned>(std::stoul(value));
         else
@@ -54,8 +63,10 @@ int main(int count, char** arguments) try {
     const auto options = optionsOf(count, arguments, chosen);
     std::printf("under %s\n", options.windowManager.c_str());
     Stage stage(options);
+    if (!options.replay.empty())
+        replayKeys(stage);
     for (const auto& [name, measure] : parts)
-        if (chosen.empty() || std::ranges::find(chosen, name) != chosen.end())
+        if ((chosen.empty() && options.replay.empty()) || std::ranges::find(chosen, name) != chosen.end())
             measure(stage);
     return stage.report.isGood() ? 0 : 1;
 } catch (const std::exception& error) {

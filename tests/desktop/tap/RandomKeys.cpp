@@ -1,6 +1,4 @@
-#include "DeliveredKeys.h"
-#include "Expectation.h"
-#include "Stage.h"
+#include "KeyRun.h"
 
 #include <algorithm>
 #include <array>
@@ -17,137 +15,39 @@ constexpr long eventsInARun = 500;
 constexpr long eventsWithOneProgram = 5'000;
 constexpr std::size_t keysAtOnce = 6;
 
-constexpr std::array modifiers{Key::leftShift, Key::rightShift, Key::leftControl, Key::rightControl,
-                               Key::leftAlt,   Key::rightAlt,   Key::leftSuper,   Key::rightSuper};
-/// Window managers have no use for them, and editors neither.
-constexpr std::array bound{Key::scrollLock, Key::pause};
-constexpr std::array letters{Key::letterB, Key::letterK, Key::letterM, Key::letterJ};
-
-std::vector<ShortcutConfiguration> configurations() {
-    using M = ShortcutModifiers;
-    constexpr quint16 scrollLock = 107;
-    constexpr quint16 pause = 113;
-    const auto chord = ShortcutModifiers{M::control.rawValue | M::shift.rawValue};
-    return {ShortcutConfiguration::defaultConfiguration(),
-            {keyBinding(pause, {}), keyBinding(pause, M::command), keyBinding(scrollLock, chord), {}},
-            {modifierBinding(61, {}, KeyCodeSet{61}), keyBinding(scrollLock, M::command, KeyCodeSet{55}),
-             keyBinding(pause, {}, KeyCodeSet{}), M::shift},
-            {modifierBinding(60, M::control),
-             modifierBinding(63, M::option, KeyCodeSet{58, 63}),
-             keyBinding(scrollLock, M::option),
-             {}}};
-}
-
 const std::vector<std::vector<std::string>> targets{
     {"xterm", "-e", "sh", "-c", "stty raw -echo; exec cat > /dev/null"},
     {"mousepad", "--disable-server"},
     {"featherpad", "--standalone"}};
 
-/// The road of the keys of one run to the program in front, and what became of them.
-class Run final {
-public:
-    Run(Stage& stage, TapSubject& subject, Expectation& expectation, DeliveredKeys& delivered)
-        : stage_(stage), subject_(subject), expectation_(expectation), delivered_(delivered) {}
+int pick(Stage& stage) {
+    const int kind = stage.below(20);
+    if (kind < 9)
+        return modifiers[static_cast<std::size_t>(stage.below(modifiers.size()))];
+    if (kind < 13)
+        return bound[static_cast<std::size_t>(stage.below(bound.size()))];
+    return letters[static_cast<std::size_t>(stage.below(letters.size()))];
+}
 
-    /// Whether all was as it must be; says what was not.
-    [[nodiscard]] bool type(long events) {
-        auto next = std::chrono::steady_clock::now();
-        for (long i = 0; i < events; ++i) {
-            std::this_thread::sleep_until(next);
-            next += std::chrono::microseconds(stage_.below(2'000'000 / stage_.options.rate));
-            change(pick());
-        }
-        for (const auto key : std::set(expectation_.down()))
-            change(key);
-        change(Key::zero);
-        change(Key::zero);
-        const bool isRight = compareKeys();
-        return compareEdges() && isRight && compareServer();
+/// What a user may do who ends with all keys up.
+std::vector<TestWindow::Key> randomKeys(Stage& stage, long events) {
+    std::set<int> down;
+    std::vector<TestWindow::Key> keys;
+    const auto change = [&](int key) {
+        const bool isPress = down.insert(key).second;
+        if (!isPress)
+            down.erase(key);
+        keys.push_back({isPress, key});
+    };
+    for (long i = 0; i < events; ++i) {
+        const auto count = static_cast<int>(down.size());
+        const bool isOld = down.size() >= keysAtOnce || (count > 0 && stage.below(4) == 0);
+        change(isOld ? *std::next(down.begin(), stage.below(count)) : pick(stage));
     }
-
-private:
-    int pick() {
-        const auto& down = expectation_.down();
-        if (down.size() >= keysAtOnce || (!down.empty() && stage_.below(4) == 0))
-            return *std::next(down.begin(), stage_.below(static_cast<int>(down.size())));
-        const int kind = stage_.below(20);
-        if (kind < 9)
-            return modifiers[static_cast<std::size_t>(stage_.below(modifiers.size()))];
-        if (kind < 13)
-            return bound[static_cast<std::size_t>(stage_.below(bound.size()))];
-        return letters[static_cast<std::size_t>(stage_.below(letters.size()))];
-    }
-
-    void change(int key) {
-        const bool isPress = !expectation_.down().contains(key);
-        log_.push_back({isPress, key});
-        if (isPress) {
-            stage_.user.press(key);
-            expectation_.press(key);
-        } else {
-            stage_.user.release(key);
-            expectation_.release(key);
-        }
-    }
-
-    bool compareKeys() {
-        auto got = delivered_.through(Key::zero);
-        std::erase_if(got, [](const TestWindow::Key& key) { // that which keeps Super company
-            return key.key != Key::zero && std::ranges::find(modifiers, key.key) == modifiers.end() &&
-                   std::ranges::find(bound, key.key) == bound.end() &&
-                   std::ranges::find(letters, key.key) == letters.end();
-        });
-        const auto expected = expectation_.takeKeys();
-        if (got == expected)
-            return true;
-        const auto [here, there] = std::ranges::mismatch(expected, got);
-        Report::note("expected … " + around(expected, here) + "; got … " + around(got, there));
-        Report::note("pressed " + toString(log_));
-        return false;
-    }
-
-    static std::string around(const std::vector<TestWindow::Key>& keys,
-                              std::vector<TestWindow::Key>::const_iterator place) {
-        const auto from = place - keys.begin() > 8 ? place - 8 : keys.begin();
-        const auto to = keys.end() - place > 8 ? place + 8 : keys.end();
-        return toString({from, place}) + " | " + toString({place, to});
-    }
-
-    bool compareEdges() {
-        std::string expected;
-        std::string got;
-        for (const auto& name : expectation_.takeEdges()) {
-            expected += name + ' ';
-            const auto line = subject_.lineWith("edge");
-            got += line ? line->substr(5, line->rfind(' ') - 4) : "";
-        }
-        while (const auto more = subject_.line(0))
-            got += *more + ' ';
-        if (expected == got)
-            return true;
-        const auto place =
-            static_cast<std::size_t>(std::ranges::mismatch(expected, got).in1 - expected.begin());
-        const auto from = place > 100 ? place - 100 : 0;
-        Report::note("expected the edges … " + expected.substr(from, 200) + "; got … " +
-                     got.substr(from, 200));
-        Report::note("pressed " + toString(log_));
-        return false;
-    }
-
-    bool compareServer() {
-        const auto down = stage_.down();
-        for (unsigned key = 0; key < down.size(); ++key)
-            if (down[key])
-                Report::note("key " + std::to_string(key) + " is still down");
-        return down.none();
-    }
-
-    Stage& stage_;
-    TapSubject& subject_;
-    Expectation& expectation_;
-    DeliveredKeys& delivered_;
-    std::vector<TestWindow::Key> log_;
-};
+    for (const auto key : std::set(down))
+        change(key);
+    return keys;
+}
 
 struct Outcome {
     long events = 0;
@@ -166,7 +66,7 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
     for (long done = 0; done < events; done += eventsInARun) {
         const auto count = std::min(eventsInARun, events - done);
         const auto swallowedBefore = expectation->swallowed();
-        const bool isRight = Run(stage, *subject, *expectation, delivered).type(count);
+        const bool isRight = KeyRun(stage, *subject, *expectation, delivered).type(randomKeys(stage, count));
         outcome.events += count;
         outcome.swallowed += expectation->swallowed() - swallowedBefore;
         if (isRight)
@@ -175,14 +75,30 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
         Report::note("in " + target.front() + " with " + configuration.summary().toStdString() +
                      (stage.hasKeyboard(window) ? "" : ", which no longer has the keyboard"));
         subject.reset();
+        stage.user.tap(Key::f7);
+        (void)delivered.through(Key::f7);
         subject = stage.start(configuration); // from a clean slate
         expectation = std::make_unique<Expectation>(configuration, map.value());
-        (void)delivered.through(Key::zero);
     }
     subject->command("quit");
 }
 
 } // namespace
+
+std::vector<ShortcutConfiguration> configurations() {
+    using M = ShortcutModifiers;
+    constexpr quint16 scrollLock = 107;
+    constexpr quint16 pause = 113;
+    const auto chord = ShortcutModifiers{M::control.rawValue | M::shift.rawValue};
+    return {ShortcutConfiguration::defaultConfiguration(),
+            {keyBinding(pause, {}), keyBinding(pause, M::command), keyBinding(scrollLock, chord), {}},
+            {modifierBinding(61, {}, KeyCodeSet{61}), keyBinding(scrollLock, M::command, KeyCodeSet{55}),
+             keyBinding(pause, {}, KeyCodeSet{}), M::shift},
+            {modifierBinding(60, M::control),
+             modifierBinding(63, M::option, KeyCodeSet{58, 63}),
+             keyBinding(scrollLock, M::option),
+             {}}};
+}
 
 void measureRandomKeys(Stage& stage) {
     // Keys that come by the second version of the input extension cannot be recorded.
@@ -193,7 +109,9 @@ void measureRandomKeys(Stage& stage) {
     for (std::size_t part = 0; done < stage.options.presses; ++part) {
         const auto events = std::min(eventsWithOneProgram, stage.options.presses - done);
         const auto target = part % targets.size();
-        typeInto(stage, targets[target], all[part / targets.size() % all.size()], events, outcomes[target]);
+        const auto only = stage.options.configuration;
+        const auto which = only < 0 ? part / targets.size() % all.size() : static_cast<std::size_t>(only);
+        typeInto(stage, targets[target], all.at(which), events, outcomes[target]);
         done += events;
     }
     for (std::size_t target = 0; target < targets.size(); ++target) {

@@ -40,6 +40,8 @@ struct Options {
     int samples = 5'000;
     int idleSeconds = 60;
     unsigned seed = 1;
+    std::string replay;     ///< Keys to be typed instead.
+    int configuration = -1; ///< The only one to be tried; all of them when negative.
 };
 
 class Stage final {
@@ -85,6 +87,7 @@ void until(const std::string& what, std::chrono::milliseconds patience, const st
 
 // The measurements; each writes its rows.
 void measureRandomKeys(Stage& stage);
+void replayKeys(Stage& stage);
 void measureDelays(Stage& stage);
 void measureNeighbours(Stage& stage);
 void measureKills(Stage& stage);

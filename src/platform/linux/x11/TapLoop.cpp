@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <poll.h>
+#include <ranges>
 
 namespace velorin {
 
@@ -72,9 +73,12 @@ bool TapLoop::obey() {
     }
     const TapKeys wanted(standIn);
     if (keys != tappedKeys_ || wanted != keys_) {
+        if (keys != tappedKeys_)
+            seemDown_.reset(); // with other shortcuts the handler begins anew
         tappedKeys_ = std::move(keys);
         keys_ = wanted;
         regrab();
+        grabModifiersAsNeeded();
     }
     return true;
 }
@@ -288,13 +292,23 @@ void TapLoop::passModifier(const TapKey& press) {
 }
 
 bool TapLoop::isBoundKeyDown() const {
-    return std::ranges::any_of(down_, [&](const auto& key) { return grabs_->isBound(key.first); });
+    const auto isBound = [&](xcb_keycode_t key) { return grabs_->isBound(key); };
+    for (unsigned key = 0; key < seemDown_.size(); ++key)
+        if (seemDown_[key] && isBound(static_cast<xcb_keycode_t>(key)))
+            return true;
+    return std::ranges::any_of(std::views::keys(down_), isBound);
+}
+
+void TapLoop::grabModifiersAsNeeded() {
+    if (isBoundKeyDown())
+        grabs_->grabModifiers(modifierKeys(keys_));
+    else
+        grabs_->releaseModifiers();
 }
 
 void TapLoop::swallow(const TapKey& press) {
     if (grabs_->isBound(press.key))
         grabs_->grabModifiers(modifierKeys(keys_));
-    swallowed_.insert(press.key);
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
     Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
@@ -354,7 +368,7 @@ TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
 
 void TapLoop::tellRelease(xcb_keycode_t key) {
     const auto code = down_.extract(key).mapped();
-    swallowed_.erase(key);
+    seemDown_[key] = (flags() & KeyCodes::flagOf(code)) != 0;
     if (!isBoundKeyDown()) {
         grabs_->releaseModifiers();
         connections_->grabs().flush();
@@ -384,8 +398,19 @@ void TapLoop::reconcile() {
             isOutOfStep = true;
         }
     }
-    if (isOutOfStep)
+    if (isOutOfStep) {
         (void)handler_({KeyEvent::flagsChanged, 0, flags()});
+        noteTwins();
+    }
+    grabModifiersAsNeeded();
+}
+
+void TapLoop::noteTwins() {
+    // Told flags alone, the handler takes both keys of a pair for down.
+    seemDown_.reset();
+    for (const auto code : modifierCodes)
+        if (const auto key = keys_.keyOf(code); key && !down_.contains(*key))
+            seemDown_[*key] = (flags() & KeyCodes::flagOf(code)) != 0;
 }
 
 quint64 TapLoop::flags() const {

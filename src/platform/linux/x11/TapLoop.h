@@ -67,6 +67,7 @@ private:
     void answer(const TapKey& press);
     void passModifier(const TapKey& press);
     [[nodiscard]] bool isBoundKeyDown() const;
+    void grabModifiersAsNeeded();
     void swallow(const TapKey& press);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
     void expectAgain(const std::vector<TapKey>& keys);
@@ -75,6 +76,7 @@ private:
     [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
     void tellRelease(xcb_keycode_t key);
     void reconcile();
+    void noteTwins();
     [[nodiscard]] quint64 flags() const;
     [[nodiscard]] bool isModifier(xcb_keycode_t key) const;
 
@@ -95,7 +97,8 @@ private:
 
     KeySet userDown_;                             ///< On the keyboards that people press.
     std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
-    std::set<xcb_keycode_t> swallowed_;           ///< Of these, what no application knows of.
+    /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.
+    KeySet seemDown_;
 };
 
 } // namespace velorin
