@@ -7,8 +7,7 @@ namespace velorin::tap {
 using Decision = ShortcutMatcher::ConsumeDecision;
 
 Expectation::Expectation(const ShortcutConfiguration& configuration, const KeyboardMap& map)
-    : tapped_(tappedKeys(configuration)), plan_(planGrabs(tapped_, tapKeys_, map)),
-      map_(map), matcher_{.configuration = configuration} {}
+    : tapped_(tappedKeys(configuration)), map_(map), matcher_{.configuration = configuration} {}
 
 void Expectation::press(int key) {
     const auto code = tapKeys_.virtualOf(static_cast<unsigned>(key));
@@ -48,12 +47,22 @@ bool Expectation::isTold(int key, std::uint16_t code) const {
     if (KeyCodes::flagOf(code) != 0)
         return true;
     // Of other keys the tap is told where one could be swallowed, by what is held or by what seems held.
-    const auto states = plan_.find(static_cast<xcb_keycode_t>(key));
-    if (states != plan_.end() && states->second.contains(static_cast<std::uint32_t>(shownModifiers())))
+    const auto& believed = matcher_.state.pressedModifierKeyCodes;
+    KeySet unseen;
+    for (const auto modifier : ShortcutBinding::modifierKeyCodes)
+        if (const auto other = tapKeys_.keyOf(modifier))
+            unseen[*other] =
+                (believed.contains(modifier) || down_.contains(*other)) && !shown_.contains(*other);
+    const auto plan = planGrabs(tapped_, tapKeys_, map_, unseen);
+    const auto states = plan.find(static_cast<xcb_keycode_t>(key));
+    if (states != plan.end() && states->second.contains(static_cast<std::uint32_t>(shownModifiers())))
         return true;
+    quint64 flags = 0;
+    for (const auto modifier : believed)
+        flags |= KeyCodes::flagOf(modifier);
     return std::ranges::any_of(tapped_, [&](const TappedKey& tapped) {
         return tapped.keyCode == code &&
-               std::ranges::find(tapped.modifierFlags, flags()) != tapped.modifierFlags.end();
+               std::ranges::find(tapped.modifierFlags, flags) != tapped.modifierFlags.end();
     });
 }
 

@@ -30,7 +30,6 @@ private:
 
     TapKeys tapKeys_{"rightControl"};
     std::vector<TappedKey> tapped_;
-    GrabPlan plan_;
     KeyboardMap map_;
     ShortcutMatcher matcher_;
     std::set<int> down_;  ///< Under the user's fingers.

@@ -87,8 +87,8 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
 
 std::vector<ShortcutConfiguration> configurations() {
     using M = ShortcutModifiers;
-    constexpr quint16 scrollLock = 107;
-    constexpr quint16 pause = 113;
+    constexpr quint16 scrollLock = 129;
+    constexpr quint16 pause = 130;
     const auto chord = ShortcutModifiers{M::control.rawValue | M::shift.rawValue};
     return {ShortcutConfiguration::defaultConfiguration(),
             {keyBinding(pause, {}), keyBinding(pause, M::command), keyBinding(scrollLock, chord), {}},

@@ -34,19 +34,24 @@ bool isTapped(const std::vector<TappedKey>& tappedKeys, std::uint16_t code) {
 
 /// What the server may see when at least one key of the family is held.
 States statesOf(const Family& family, const std::vector<TappedKey>& tappedKeys, const TapKeys& keys,
-                const KeyboardMap& map) {
+                const KeyboardMap& map, const KeySet& unseen) {
     States ofKeys;
     for (const auto code : family.codes) {
         const auto key = keys.keyOf(code);
-        if (key)
-            ofKeys.insert(isTapped(tappedKeys, code) ? 0U : std::uint32_t{map.modifiersOf(*key)});
+        if (!key)
+            continue;
+        if (isTapped(tappedKeys, code) || unseen[*key])
+            ofKeys.insert(0);
+        if (!isTapped(tappedKeys, code)) // it may be seen the next time, before we are told
+            ofKeys.insert(map.modifiersOf(*key));
     }
     return united(ofKeys, ofKeys); // one of them, or both
 }
 
 } // namespace
 
-GrabPlan planGrabs(const std::vector<TappedKey>& tappedKeys, const TapKeys& keys, const KeyboardMap& map) {
+GrabPlan planGrabs(const std::vector<TappedKey>& tappedKeys, const TapKeys& keys, const KeyboardMap& map,
+                   const KeySet& unseen) {
     GrabPlan plan;
     for (const auto& tapped : tappedKeys) {
         const auto key = keys.keyOf(tapped.keyCode);
@@ -56,7 +61,7 @@ GrabPlan planGrabs(const std::vector<TappedKey>& tappedKeys, const TapKeys& keys
             States states{0};
             for (const auto& family : families)
                 if ((flags & family.flag) != 0)
-                    states = united(states, statesOf(family, tappedKeys, keys, map));
+                    states = united(states, statesOf(family, tappedKeys, keys, map, unseen));
             for (const auto lock : map.locks())
                 states.merge(united(states, {lock}));
             plan[*key].merge(states);

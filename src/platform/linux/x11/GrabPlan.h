@@ -20,8 +20,9 @@ using GrabPlan = std::map<xcb_keycode_t, std::set<std::uint32_t>>;
 /// A pure function. Keys that this keyboard lacks are left out.
 ///
 /// What the X server counts as held differs from what the user holds: a bound modifier key is swallowed, so
-/// its bit is never set; a left and a right key may set the same bit, or different ones.
+/// its bit is never set; a left and a right key may set the same bit, or different ones. `unseen`: other
+/// modifiers that count as held for the shortcuts, and not for the server.
 [[nodiscard]] GrabPlan planGrabs(const std::vector<TappedKey>& tappedKeys, const TapKeys& keys,
-                                 const KeyboardMap& map);
+                                 const KeyboardMap& map, const KeySet& unseen = {});
 
 } // namespace velorin

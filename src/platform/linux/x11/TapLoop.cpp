@@ -97,7 +97,7 @@ void TapLoop::setUp() {
 
 void TapLoop::regrab() {
     if (map_)
-        grabs_->apply(planGrabs(tappedKeys_, keys_, *map_), keys_);
+        grabs_->apply(planGrabs(tappedKeys_, keys_, *map_, hidden_ | seemDown_), keys_);
 }
 
 void TapLoop::wait() {
@@ -307,8 +307,12 @@ void TapLoop::grabModifiersAsNeeded() {
 }
 
 void TapLoop::swallow(const TapKey& press) {
-    if (grabs_->isBound(press.key))
+    if (grabs_->isBound(press.key)) {
         grabs_->grabModifiers(modifierKeys(keys_));
+    } else if (isModifier(press.key)) {
+        hidden_.set(press.key);
+        regrab(); // what is bound with it comes without it
+    }
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
     Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
@@ -362,13 +366,21 @@ KeySet TapLoop::userDownByNow() {
 
 TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
     down_[key] = code;
+    if (seemDown_[key]) {
+        seemDown_.reset(key);
+        regrab();
+    }
     const bool isModifierCode = KeyCodes::flagOf(code) != 0;
     return handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyDown, code, flags()});
 }
 
 void TapLoop::tellRelease(xcb_keycode_t key) {
     const auto code = down_.extract(key).mapped();
+    const auto unseen = hidden_ | seemDown_;
+    hidden_.reset(key);
     seemDown_[key] = (flags() & KeyCodes::flagOf(code)) != 0;
+    if ((hidden_ | seemDown_) != unseen)
+        regrab();
     if (!isBoundKeyDown()) {
         grabs_->releaseModifiers();
         connections_->grabs().flush();
@@ -401,6 +413,7 @@ void TapLoop::reconcile() {
     if (isOutOfStep) {
         (void)handler_({KeyEvent::flagsChanged, 0, flags()});
         noteTwins();
+        regrab();
     }
     grabModifiersAsNeeded();
 }

@@ -97,6 +97,7 @@ private:
 
     KeySet userDown_;                             ///< On the keyboards that people press.
     std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
+    KeySet hidden_;                               ///< Modifiers that were swallowed and are still held.
     /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.
     KeySet seemDown_;
 };

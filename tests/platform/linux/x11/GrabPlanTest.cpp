@@ -67,6 +67,15 @@ TEST_F(GrabPlanTest, CountsTheOtherSideOfABoundModifier) {
     EXPECT_THAT(states(keys, f5), testing::ElementsAre(0U, altBit));
 }
 
+TEST_F(GrabPlanTest, CountsModifiersThatTheServerDoesNotSee) {
+    KeySet unseen;
+    unseen.set(64); // left Alt
+    const auto plan = planGrabs({{96, {0x80000 | 0x40000}}}, TapKeys("rightControl"), map, unseen);
+    for (const auto state : {controlBit, controlBit | altBit})
+        EXPECT_TRUE(plan.at(f5).contains(state));
+    EXPECT_FALSE(plan.at(f5).contains(altBit));
+}
+
 TEST_F(GrabPlanTest, LeavesOutKeysThatThereAreNot) {
     EXPECT_THAT(planGrabs({{62, {0}}, {999, {0}}}, TapKeys("rightControl"), map), testing::IsEmpty())
         << "right Ctrl stands in for Fn";

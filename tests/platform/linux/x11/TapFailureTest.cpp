@@ -91,5 +91,40 @@ TEST_F(TapFailureTest, WorksWithoutAGuardThatEndsAtOnce) {
     EXPECT_TRUE(log.lines().contains(u"tap: the keyboard's guard could not be started"_s));
 }
 
+TEST(X11EventTap, NeedsAServer) {
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("XDG_SESSION_TYPE");
+    SharedKeyState state;
+    X11EventTap tap(state, {});
+    Handled handled;
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+}
+
+TEST(X11EventTap, NeedsTheExtensions) {
+    PrivateServer server({"-extension", "XTEST"});
+    SharedKeyState state;
+    X11EventTap tap(state, {});
+    Handled handled;
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+}
+
+TEST(X11EventTap, DoesNotServeAWaylandSession) {
+    PrivateServer server;
+    SharedKeyState state;
+    X11EventTap tap(state, {});
+    Handled handled;
+    EXPECT_TRUE(X11Session().letsUsWatchAndPostKeys());
+    setenv("XDG_SESSION_TYPE", "wayland", 1);
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
+    unsetenv("XDG_SESSION_TYPE");
+    setenv("WAYLAND_DISPLAY", "wayland-0", 1);
+    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    unsetenv("WAYLAND_DISPLAY");
+}
+
 } // namespace
 } // namespace velorin
