@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <stdexcept>
 #include <thread>
 
 namespace velorin::tap {
@@ -61,6 +62,7 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
     DeliveredKeys delivered(window);
     const auto map = KeyboardMap::read(stage.user.connection(), Deadline(10s));
     auto subject = stage.start(configuration);
+    const auto swallowedAtFirst = outcome.swallowed;
     // One for the life of the subject: what the matcher has got wrong of twin modifiers it keeps.
     auto expectation = std::make_unique<Expectation>(configuration, map.value());
     for (long done = 0; done < events; done += eventsInARun) {
@@ -81,14 +83,15 @@ void typeInto(Stage& stage, const std::vector<std::string>& target,
         expectation = std::make_unique<Expectation>(configuration, map.value());
     }
     subject->command("quit");
+    if (events >= eventsInARun && outcome.swallowed == swallowedAtFirst)
+        throw std::runtime_error("the keys that are pressed are bound to nothing");
 }
 
 } // namespace
 
 std::vector<ShortcutConfiguration> configurations() {
     using M = ShortcutModifiers;
-    constexpr quint16 scrollLock = 129;
-    constexpr quint16 pause = 130;
+    using namespace Code;
     const auto chord = ShortcutModifiers{M::control.rawValue | M::shift.rawValue};
     return {ShortcutConfiguration::defaultConfiguration(),
             {keyBinding(pause, {}), keyBinding(pause, M::command), keyBinding(scrollLock, chord), {}},

@@ -29,6 +29,11 @@ inline constexpr int f7 = 73, f8 = 74, f9 = 75;
 inline constexpr int scrollLock = 78, pause = 127;
 } // namespace Key
 
+/// What shortcuts call some of them.
+namespace Code {
+inline constexpr quint16 scrollLock = 129, pause = 130;
+} // namespace Code
+
 struct Options {
     std::string windowManager = "openbox";
     std::string subject; ///< The program that is proved.

@@ -66,7 +66,7 @@ double untilKeyArrives(Stage& stage, TestWindow& window) {
 
 ShortcutConfiguration withChord() {
     auto configuration = ShortcutConfiguration::defaultConfiguration();
-    configuration.copyAgain = keyBinding(107, ShortcutModifiers::command);
+    configuration.copyAgain = keyBinding(Code::scrollLock, ShortcutModifiers::command);
     return configuration;
 }
 

@@ -245,7 +245,9 @@ void TapLoop::hearRelease(xcb_keycode_t key) {
         tellRelease(key);
 }
 
-bool TapLoop::isPressedAgain(xcb_keycode_t key) const {
+bool TapLoop::isPressedAgain(xcb_keycode_t key) {
+    (void)connections_->raw().sync(Deadline(serverDeadline)); // the press may be on its way
+    read();
     return std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
         return later.key == key && later.isPress && !connections_->isSynthetic(later);
     });

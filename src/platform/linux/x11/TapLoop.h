@@ -56,7 +56,7 @@ private:
     void readMap();
     void hear(const TapKey& heard);
     void hearRelease(xcb_keycode_t key);
-    [[nodiscard]] bool isPressedAgain(xcb_keycode_t key) const;
+    [[nodiscard]] bool isPressedAgain(xcb_keycode_t key);
     void undoGift(xcb_keycode_t key);
     [[nodiscard]] KeySet userDownByNow();
     [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
