@@ -9,6 +9,7 @@
 #include "text/Graphemes.h"
 #include "text/WhiteSpace.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QPointer>
 
@@ -178,9 +179,13 @@ void DictationSession::installEngineCallbacks() {
             weak->setStatus(text);
     };
     // Arrives on the audio thread; the engine ends that before the model goes.
-    engine.onAudioLevel = [model = &model_](float value) {
-        QMetaObject::invokeMethod(
-            model, [model, value] { model->pushLevel(value); }, Qt::QueuedConnection);
+    // The audio thread may outlive the model by a buffer: only the main thread looks whether it is there.
+    engine.onAudioLevel = [model = QPointer<AppModel>(&model_)](float value) {
+        const auto push = [model, value] {
+            if (model)
+                model->pushLevel(value);
+        };
+        QMetaObject::invokeMethod(QCoreApplication::instance(), push, Qt::QueuedConnection);
     };
 }
 

@@ -87,6 +87,15 @@ TEST_F(LivePreview, LevelsOfTheAudioThreadArriveOnTheMainThread) {
     EXPECT_EQ(model->levels().size(), 1);
 }
 
+TEST_F(LivePreview, SoundThatStillComesWhenTheModelHasGoneHarmsNothing) {
+    start();
+    pressHold();
+    const auto block = audioInput.block;
+    endModel();
+    block(someSound());
+    settle();
+}
+
 TEST_F(LivePreview, SilenceNeverQuiteReachesZero) {
     start();
     model->pushLevel(1);

@@ -101,6 +101,7 @@ class Finishing(unittest.TestCase):
         said = len(velorin.lines)
         self.user.press(HOLD)
         velorin.wait_until_listening(said, 2)
+        waiting.until("sound", 5, lambda: "firstSample" in velorin.latencies()[-1])
         return said
 
     def end_another(self, velorin: Velorin, said: int):

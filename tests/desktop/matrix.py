@@ -97,7 +97,7 @@ def run(target: Target, delivery: Delivery, text: Text, situation: Situation) ->
         before = before._replace(primary=None)  # goes with the selection itself
     delivery.aim()
     reply = delivery.insert(text.content)
-    expected = target.expected(text, situation, reply.path) if reply.path else situation.whole
+    expected = target.expected(text, situation, reply.path) if reply.path else target.unchanged(situation)
     readable = _wait_for_text(target, expected, reply.began)
     faults = _faults_after(before, target.windows)
     # Once more when all has come to rest: a text may come twice.

@@ -22,8 +22,7 @@ def assert_like_kept(name: str, picture: Image.Image):
     """Fails unless the picture of this name looks the same."""
     if folder := os.environ.get("VELORIN_PICTURES"):
         pathlib.Path(folder).mkdir(parents=True, exist_ok=True)
-        # Of few colours: a third of the size, and no difference that anybody sees.
-        picture.quantize(256, dither=Image.Dither.NONE).save(f"{folder}/{name}.png", optimize=True)
+        picture.save(f"{folder}/{name}.png", optimize=True)
     kept = Image.open(_KEPT / f"{name}.png").convert("RGB")
     if kept.size != picture.size:
         raise AssertionError(f"{name}: {picture.size[0]}×{picture.size[1]} instead of {kept.size[0]}×{kept.size[1]}")

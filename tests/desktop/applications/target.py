@@ -110,8 +110,11 @@ class Target:
 
     def expected(self, text: Text, situation: Situation, path: str) -> str:
         """What stands in the field after the text was inserted on this path."""
-        selected = "" if self.replaces_selection else situation.selected
-        return situation.before + selected + self.normal(text.content) + situation.after
+        return situation.before + self.normal(text.content) + situation.after
+
+    def unchanged(self, situation: Situation) -> str:
+        """What stands in the field after nothing was inserted."""
+        return situation.whole
 
     def clear(self):
         self.user.chord("Control_L", "a")

@@ -76,6 +76,9 @@ class Terminal(Target):
         except waiting.TookTooLong:
             return False
 
+    def unchanged(self, situation):
+        return situation.before + situation.after
+
     def selected(self, situation):
         return _WORD
 
