@@ -49,7 +49,8 @@ public:
 
     virtual ~EventTap() = default;
 
-    /// Starts the tap's thread. Main thread. At most one tap runs at a time.
+    /// Starts the tap's thread and waits, 250 ms at most, until keys are watched. Main thread. At most one tap
+    /// runs at a time.
     ///
     /// `onLost` is called once, on the tap's own thread, when the tap cannot go on and will not come back by
     /// itself (the display server is gone). The tap is then still to be stopped before it is started again.

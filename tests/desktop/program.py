@@ -66,7 +66,10 @@ class Program:
                 raise AssertionError(f"{self.name} ended without a line like {pattern!r}; it said:\n{self.said()}")
             return None
 
-        return waiting.until(f"a line of {self.name} like {pattern!r}", seconds, look)
+        try:
+            return waiting.until(f"a line of {self.name} like {pattern!r}", seconds, look)
+        except waiting.TookTooLong as late:
+            raise waiting.TookTooLong(f"{late}; it said:\n{self.said()}") from None
 
     def said(self) -> str:
         return "\n".join(line.text for line in self.lines)

@@ -49,8 +49,13 @@ TapLoop::~TapLoop() {
     (void)connections_->grabs().sync(Deadline(serverDeadline));
 }
 
-bool TapLoop::run() {
+void TapLoop::prepare() {
     setUp();
+    (void)obey();
+    (void)connections_->grabs().sync(Deadline(serverDeadline));
+}
+
+bool TapLoop::run() {
     while (obey()) {
         process();
         if (!connections_->isBroken())

@@ -40,7 +40,10 @@ public:
     TapLoop(const TapLoop&) = delete;
     TapLoop& operator=(const TapLoop&) = delete;
 
-    /// Until it is stopped: true. False when the server is gone for good. A connection that somebody else
+    /// From its end on no press of a tapped key is missed.
+    void prepare();
+
+    /// After `prepare`. Until it is stopped: true. False when the server is gone for good. A connection that somebody else
     /// ended, like the guard while the process was stopped, is made anew.
     [[nodiscard]] bool run();
 

@@ -4,6 +4,8 @@
 #include "platform/linux/x11/ThreadSetup.h"
 #include "platform/linux/x11/X11Session.h"
 
+#include <future>
+
 namespace velorin {
 
 X11EventTap::X11EventTap(SharedKeyState& shared, std::string guard)
@@ -19,7 +21,9 @@ tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::funct
         return tl::unexpected(EventTapError::notPermitted);
     stop();
     orders_.isStopping = false;
-    thread_ = std::thread([this, connections = std::move(connections), handler = std::move(handler),
+    std::promise<void> preparing;
+    const auto isPrepared = preparing.get_future();
+    thread_ = std::thread([this, preparing = std::move(preparing), connections = std::move(connections), handler = std::move(handler),
                            onLost = std::move(onLost)]() mutable {
         setUpThread("velorin-tap");
         bool isLost = false;
@@ -27,11 +31,16 @@ tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::funct
             GuardProcess guard(guardProgram_, shared_, orders_.wakeUp);
             if (!guard.start())
                 qCWarning(tapLog) << "the keyboard's guard could not be started";
-            isLost = !TapLoop(std::move(connections), shared_, orders_, std::move(handler), guard).run();
+            TapLoop loop(std::move(connections), shared_, orders_, std::move(handler), guard);
+            loop.prepare();
+            preparing.set_value();
+            isLost = !loop.run();
         }
         if (isLost && onLost)
             onLost();
     });
+    // Whoever is told that the tap runs may press at once. A server that is slow to answer is not waited for.
+    (void)isPrepared.wait_for(serverDeadline);
     return {};
 }
 

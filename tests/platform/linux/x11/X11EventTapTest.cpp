@@ -96,6 +96,17 @@ TEST_F(X11EventTapTest, SwallowsTheHoldKeyAndLetsOtherKeysThroughClean) {
     EXPECT_TRUE(down().none());
 }
 
+TEST_F(X11EventTapTest, MissesNoPressOnceItHasStarted) {
+    tap.setTappedKeys({fnAnyhow()});
+    for (int start = 0; start < 20; ++start) {
+        ASSERT_TRUE(tap.start(handled.handler(), nullptr));
+        handled.clear();
+        user.tap(rightControl);
+        EXPECT_EQ(handled.text(2), "f63/800000 f63/0");
+        tap.stop();
+    }
+}
+
 TEST_F(X11EventTapTest, KeepsKeysThatAreTypedWhileItIsStillThinking) {
     start({fnAnyhow()});
     awaitGrabs(rightControl);
