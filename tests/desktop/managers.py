@@ -1,4 +1,5 @@
 """Clipboard managers: which of them keep a dictated text in their history."""
+import contextlib
 import os
 import shutil
 import subprocess
@@ -10,7 +11,6 @@ import waiting
 from applications.accessible_editors import QtField
 from applications.target import Target
 from delivery import Delivery
-from program import Program
 from user import User
 from windows import Windows
 
@@ -25,7 +25,6 @@ MANAGERS = [
     Manager("CopyQ", ["copyq"], ["copyq", "exit"]),
     Manager("Xfce Clipman", ["xfce4-clipman"]),
     Manager("Parcellite", ["parcellite", "-n"]),
-    Manager("ClipIt", ["clipit", "-n"]),
     Manager("Diodon", ["diodon"]),
     Manager("GPaste", ["/usr/libexec/gpaste/gpaste-daemon"]),
 ]
@@ -38,8 +37,11 @@ def _is_kept(text: str) -> bool:
     wanted = [text.encode(), text.encode("utf-16-le"), text.encode("utf-16-be")]
     for folder, _, files in os.walk(os.environ["HOME"]):
         for name in files:
+            path = os.path.join(folder, name)
+            if not os.path.isfile(path):  # to open a pipe would wait for somebody who writes to it
+                continue
             try:
-                with open(os.path.join(folder, name), "rb") as file:
+                with open(path, "rb") as file:
                     content = file.read()
             except OSError:
                 continue
@@ -48,12 +50,27 @@ def _is_kept(text: str) -> bool:
     return False
 
 
+@contextlib.contextmanager
+def _running(command: list[str]):
+    """Says nothing to us: what it starts itself may outlive it and would hold a pipe open."""
+    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    try:
+        yield process
+    finally:
+        process.terminate()
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait(5)
+
+
 def check(manager: Manager, target: Target, delivery: Delivery) -> str:
     """What it keeps, in a few words."""
     if shutil.which(manager.command[0]) is None:
         return "not checked"
     own, dictated = _OWN + manager.name, _DICTATED + manager.name
-    with Program(manager.command) as running:
+    with _running(manager.command) as running:
         # It has taken its place when it looks at what is copied; what it does not keep of the user tells nothing.
         time.sleep(3)
         clipboard.write(own.encode())
@@ -66,7 +83,7 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
         time.sleep(2)
         if manager.end is not None:
             subprocess.run(manager.end, timeout=10, capture_output=True)
-            running.wait_for_end(10)
+            running.wait(10)
     if not _is_kept(own):
         return "not told: it wrote no history"
     return "**keeps the dictated text**" if _is_kept(dictated) else "does not keep it"
