@@ -34,6 +34,10 @@ SelectionReader::SelectionReader(XEventLoop& loop, xcb_atom_t selection, Deadlin
 }
 
 SelectionReader::~SelectionReader() {
+    if (isOwnerBusy_) {
+        loop_.retire(window_);
+        return;
+    }
     xcb_destroy_window(connection_, window_);
     xcb_flush(connection_);
 }
@@ -107,9 +111,11 @@ SelectionReader::Outcome SelectionReader::convert(xcb_atom_t target, PasteboardE
     const auto property = loop_.connection().atom(transferProperty);
     notify_.reset();
     xcb_convert_selection(connection_, window_, selection_, target, property, time_);
+    isOwnerBusy_ = true;
     const auto isAnswered = [&] { return notify_ && notify_->target == target; };
     if (!await(isAnswered))
         return Outcome::failed;
+    isOwnerBusy_ = false;
     if (notify_->property == XCB_ATOM_NONE)
         return Outcome::refused;
     newPieces_ = 0; // what the property's own arrival counted
@@ -131,6 +137,7 @@ XcbPtr<xcb_get_property_reply_t> SelectionReader::takeProperty(xcb_atom_t proper
 }
 
 SelectionReader::Outcome SelectionReader::receivePieces(xcb_atom_t property, PasteboardEntry& entry) {
+    isOwnerBusy_ = true;
     for (;;) {
         if (!await([this] { return newPieces_ > 0; }))
             return Outcome::failed;
@@ -142,8 +149,10 @@ SelectionReader::Outcome SelectionReader::receivePieces(xcb_atom_t property, Pas
             continue; // told twice of the same piece
         if (!append(*piece, entry))
             return Outcome::failed;
-        if (xcb_get_property_value_length(piece.get()) == 0)
+        if (xcb_get_property_value_length(piece.get()) == 0) {
+            isOwnerBusy_ = false;
             return Outcome::given;
+        }
     }
 }
 

@@ -50,6 +50,7 @@ private:
     std::size_t total_ = 0;
     std::optional<xcb_selection_notify_event_t> notify_;
     int newPieces_ = 0;
+    bool isOwnerBusy_ = false; ///< It has been asked for something that it may still write.
     Subscription listening_;
 };
 

@@ -18,6 +18,19 @@ xcb_window_t XEventLoop::makeWindow() const {
     return window;
 }
 
+void XEventLoop::retire(xcb_window_t window) {
+    retired_.push_back(window);
+    if (retired_.size() > mostRetired)
+        destroyIfRetired(retired_.front());
+}
+
+void XEventLoop::destroyIfRetired(xcb_window_t window) {
+    if (std::erase(retired_, window) == 0)
+        return;
+    xcb_destroy_window(connection_.get(), window);
+    xcb_flush(connection_.get());
+}
+
 Subscription XEventLoop::listen(Listener listener) {
     const auto entry = listeners_.insert(listeners_.end(), std::move(listener));
     return Subscription([this, entry] { listeners_.erase(entry); });
@@ -34,6 +47,8 @@ void XEventLoop::handle(const xcb_generic_event_t& event) {
         if (notify.window == window_ && notify.atom == connection_.atom(timeProperty))
             seenTime_ = notify.time;
     }
+    if (typeOf(event) == XCB_SELECTION_NOTIFY)
+        destroyIfRetired(eventAs<xcb_selection_notify_event_t>(event).requestor);
     for (const auto& listener : listeners_)
         listener(event);
 }

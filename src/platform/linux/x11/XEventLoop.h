@@ -12,6 +12,7 @@
 
 #include <list>
 #include <optional>
+#include <vector>
 
 namespace velorin {
 
@@ -44,12 +45,19 @@ public:
     /// An unmapped window of ours that lives as long as the connection, for properties and ownership.
     [[nodiscard]] xcb_window_t window() const { return window_; }
     [[nodiscard]] xcb_window_t makeWindow() const;
+    /// Destroys the window, but not before somebody who was asked to write to it has answered: many a program
+    /// ends when a window has gone that it writes to.
+    void retire(xcb_window_t window);
 
 private:
+    static constexpr std::size_t mostRetired = 8;
+
     void handle(const xcb_generic_event_t& event);
+    void destroyIfRetired(xcb_window_t window);
 
     XConnection& connection_;
     std::list<Listener> listeners_;
+    std::vector<xcb_window_t> retired_; ///< The earliest first.
     xcb_window_t window_;
     std::optional<xcb_timestamp_t> seenTime_;
 };

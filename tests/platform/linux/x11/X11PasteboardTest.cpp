@@ -66,6 +66,14 @@ TEST_F(X11PasteboardTest, SavesEveryFormByteForByte) {
     EXPECT_TRUE(owner.isOwner());
 }
 
+TEST_F(X11PasteboardTest, SavesAHundredForms) {
+    PasteboardContents forms;
+    for (int i = 0; i < 100; ++i)
+        forms.push_back({"application/x-form-" + QByteArray::number(i), "STRING", 8, noise(1 + i * 37)});
+    const TestOwner owner("CLIPBOARD", forms);
+    EXPECT_EQ(pasteboard.save(clipboard, 5s), forms);
+}
+
 TEST_F(X11PasteboardTest, OffersTheTextWithTheMarks) {
     const auto text = u"Grüße, 世界 👋"_s;
     ASSERT_TRUE(pasteboard.write(clipboard, text));
@@ -144,6 +152,17 @@ TEST_F(X11PasteboardTest, DeclinesAnOwnerThatIsTooSlowForAllOfIt) {
     const TestOwner owner("CLIPBOARD", textAndImage(), habits);
     EXPECT_EQ(pasteboard.save(clipboard, 300ms), std::nullopt);
     EXPECT_TRUE(owner.isOwner());
+}
+
+TEST_F(X11PasteboardTest, AnOwnerThatAnswersLateStillFindsTheWindowThatAsked) {
+    TestOwnerHabits habits;
+    habits.delay = 150ms;
+    const TestOwner owner("CLIPBOARD", textAndImage(), habits);
+    for (int answered = 1; answered <= 2; ++answered) {
+        EXPECT_EQ(pasteboard.save(clipboard, 50ms), std::nullopt);
+        EXPECT_TRUE(eventually([&] { return owner.answers() == answered; }));
+        EXPECT_EQ(owner.errors(), 0);
+    }
 }
 
 TEST_F(X11PasteboardTest, DeclinesAnEndlessTransfer) {

@@ -42,6 +42,7 @@ void TestOwner::run() {
         }
         if (!connection_)
             return;
+        answers_ = requests_;
         connection_->flush();
         std::array<pollfd, 2> waiting{
             {{connection_->fileDescriptor(), POLLIN, 0}, {wakeUp_.fileDescriptor(), POLLIN, 0}}};
@@ -51,6 +52,9 @@ void TestOwner::run() {
 
 void TestOwner::handle(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7f) {
+    case 0:
+        ++errors_;
+        break;
     case XCB_SELECTION_CLEAR:
         isOwner_ = false;
         break;
@@ -74,6 +78,7 @@ void TestOwner::handle(const xcb_generic_event_t& event) {
         notify.target = request.target;
         notify.property = convert(request) ? request.property : xcb_atom_t{XCB_ATOM_NONE};
         xcb_send_event(connection_->get(), 0, request.requestor, 0, reinterpret_cast<const char*>(&notify));
+        connection_->sync(Deadline(std::chrono::seconds(5))); // what the server refuses is known then
         break;
     }
     default:

@@ -32,6 +32,10 @@ public:
 
     /// Whether the selection is (still) this one's.
     [[nodiscard]] bool isOwner() const { return isOwner_; }
+    /// How many requests are answered, and how many of its own the server has refused by then: one is the end
+    /// of many a program.
+    [[nodiscard]] int answers() const { return answers_; }
+    [[nodiscard]] int errors() const { return errors_; }
 
 private:
     struct Piecewise {
@@ -53,6 +57,8 @@ private:
     TestOwnerHabits habits_;
     std::vector<Piecewise> transfers_;
     int requests_ = 0;
+    std::atomic<int> answers_ = 0;
+    std::atomic<int> errors_ = 0;
     std::atomic<bool> isOwner_ = false;
     std::atomic<bool> isStopping_ = false;
     WakeUp wakeUp_;
