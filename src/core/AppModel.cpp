@@ -40,7 +40,7 @@ struct AppModel::Collaborators {
           shortcuts(desktop.eventTap), accessibility(desktop.accessibility, desktop.trust, desktop.clock),
           typing(desktop.keyboard, desktop.trust),
           paste(desktop.pasteboard, desktop.keyboard, desktop.trust, desktop.clock),
-          selections(desktop.accessibility, desktop.workspace, paste, desktop.trust),
+          selections(desktop.accessibility, desktop.workspace, paste, desktop.trust, desktop.clock),
           liveSelection(selections), aiSettings(model, desktop.secrets),
           preferences(model, desktop.userDefaults, [this] { return aiSettings.hasLegacyKey(); }),
           history(model, desktop.folders, desktop.clock), captureLog(model, desktop),

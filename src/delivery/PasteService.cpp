@@ -14,6 +14,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
+using Moment = std::chrono::steady_clock::time_point;
+
+std::chrono::milliseconds leftUntil(Moment end) {
+    return std::chrono::floor<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+}
+
 /// Whether what is pasted goes through a page, as in all browsers but one.
 bool isPage(const std::optional<RunningApplication>& target) {
     const auto kin = target ? target->kin : std::nullopt;
@@ -139,7 +145,8 @@ void PasteService::finish(PasteboardSelection selection, bool read) {
 }
 
 QCoro::Task<std::optional<QString>> PasteService::copySelection(std::optional<RunningApplication> target,
-                                                                std::chrono::milliseconds timeout) {
+                                                                std::chrono::milliseconds timeout,
+                                                                Moment end) {
     if (!trust_.isProcessTrusted() || isCopying_)
         co_return std::nullopt;
     const auto& pending = pasteOf(PasteboardSelection::clipboard);
@@ -147,26 +154,39 @@ QCoro::Task<std::optional<QString>> PasteService::copySelection(std::optional<Ru
     if (pending && isStillOurs(*pending)) // what lies there is a text of ours that passes through
         users = pending->saved;
     isCopying_ = true;
-    auto copying = inBackground<std::optional<QString>>(background_, [this, users, target, timeout] {
-        constexpr auto clipboard = PasteboardSelection::clipboard;
-        const auto saved = users ? users : pasteboard_.save(clipboard, copySaveDeadline);
-        const auto before = pasteboard_.changeCount(clipboard);
-        if (!saved || !keyboard_.chord(Chord::copy, target))
-            return std::optional<QString>();
-        const auto deadline = std::chrono::steady_clock::now() + timeout;
-        while (std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(copyStep);
-            if (pasteboard_.changeCount(clipboard) == before)
-                continue;
-            auto text = pasteboard_.read(clipboard, copyReadDeadline);
-            pasteboard_.restore(clipboard, *saved, pasteboard_.changeCount(clipboard));
-            return text;
-        }
-        return std::optional<QString>();
-    });
-    auto copied = co_await copying;
-    isCopying_ = false;
-    co_return copied;
+    const auto read = std::make_shared<Copied>();
+    auto copying =
+        inBackground<bool>(background_, clock_, leftUntil(end), [this, users, target, timeout, end, read] {
+            copy(users, target, timeout, end, *read);
+            isCopying_ = false;
+            return true;
+        });
+    co_await copying.answer;
+    co_return read->take(); // also when the user's content is still on its way back
+}
+
+void PasteService::copy(const std::optional<PasteboardContents>& users,
+                        const std::optional<RunningApplication>& target, std::chrono::milliseconds timeout,
+                        Moment end, Copied& read) {
+    constexpr auto clipboard = PasteboardSelection::clipboard;
+    const auto keysBy = end - timeout - copyReadReserve;
+    const auto forSaving = std::min(copySaveDeadline, leftUntil(keysBy));
+    const auto saved = users || forSaving <= 0ms ? users : pasteboard_.save(clipboard, forSaving);
+    const auto before = pasteboard_.changeCount(clipboard);
+    const bool isInTime = leftUntil(keysBy) > 0ms && read.isAwaited();
+    if (!saved || !isInTime || !keyboard_.chord(Chord::copy, target))
+        return;
+    // Looked for to the end even if nobody waits any more: what was copied has to go again.
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(copyStep);
+        if (pasteboard_.changeCount(clipboard) == before)
+            continue;
+        if (const auto forReading = std::min(copyReadDeadline, leftUntil(end)); forReading > 0ms)
+            read.put(pasteboard_.read(clipboard, forReading));
+        pasteboard_.restore(clipboard, *saved, pasteboard_.changeCount(clipboard));
+        return;
+    }
 }
 
 } // namespace velorin

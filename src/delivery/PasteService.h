@@ -21,6 +21,9 @@
 #include <QThreadPool>
 
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <mutex>
 
 namespace velorin {
 
@@ -40,6 +43,8 @@ public:
     /// A copy is looked for in steps of this, and what it brought is read within that.
     static constexpr std::chrono::milliseconds copyStep{20};
     static constexpr std::chrono::milliseconds copyReadDeadline{100};
+    /// What is kept of the time for reading when saving takes long.
+    static constexpr std::chrono::milliseconds copyReadReserve{30};
     /// A copy is made while the user speaks: it saves less patiently than a paste.
     static constexpr std::chrono::milliseconds copySaveDeadline{200};
 
@@ -57,9 +62,11 @@ public:
 
     /// Has the application copy what is selected in it, and gives that as text; the user's content comes back
     /// at once. Nothing, and nothing changed, when nothing was copied by the timeout, or what would have to
-    /// come back cannot be saved. What waits, waits on another thread.
-    [[nodiscard]] QCoro::Task<std::optional<QString>> copySelection(std::optional<RunningApplication> target,
-                                                                    std::chrono::milliseconds timeout);
+    /// come back cannot be saved. Answers by `end` whoever is slow; no key is posted when what it brings
+    /// could not be read by then. What waits, waits on another thread.
+    [[nodiscard]] QCoro::Task<std::optional<QString>>
+    copySelection(std::optional<RunningApplication> target, std::chrono::milliseconds timeout,
+                  std::chrono::steady_clock::time_point end);
 
     /// Called when nobody read a text that `insert` had answered true for.
     std::function<void()> onUnverifiedPaste;
@@ -77,6 +84,30 @@ private:
         Subscription nextLook;
     };
 
+    /// What a copy has brought, for the thread that makes it and the one that waits for it.
+    class Copied {
+    public:
+        void put(std::optional<QString> text) {
+            const std::scoped_lock lock(mutex_);
+            text_ = std::move(text);
+        }
+        /// Ends the waiting.
+        [[nodiscard]] std::optional<QString> take() {
+            const std::scoped_lock lock(mutex_);
+            isAwaited_ = false;
+            return std::move(text_);
+        }
+        [[nodiscard]] bool isAwaited() {
+            const std::scoped_lock lock(mutex_);
+            return isAwaited_;
+        }
+
+    private:
+        std::mutex mutex_;
+        std::optional<QString> text_;
+        bool isAwaited_ = true;
+    };
+
     [[nodiscard]] std::optional<Paste>& pasteOf(PasteboardSelection selection);
     [[nodiscard]] bool isStillOurs(const Paste& paste);
     /// How often the target has read the text.
@@ -84,6 +115,9 @@ private:
     [[nodiscard]] static std::chrono::milliseconds quietFor(const Paste& paste, std::ptrdiff_t readings);
     [[nodiscard]] bool awaitEarlier(const Paste& paste);
     [[nodiscard]] std::optional<PasteboardContents> saveFor(PasteboardSelection selection);
+    /// Waits on a thread of its own. What it read is in `read` before the user's content comes back.
+    void copy(const std::optional<PasteboardContents>& users, const std::optional<RunningApplication>& target,
+              std::chrono::milliseconds timeout, std::chrono::steady_clock::time_point end, Copied& read);
     void lookLater(PasteboardSelection selection, std::chrono::milliseconds delay);
     void look(PasteboardSelection selection);
     void finish(PasteboardSelection selection, bool read);
@@ -93,7 +127,8 @@ private:
     Trust& trust_;
     Clock& clock_;
     std::array<std::optional<Paste>, 2> pastes_;
-    bool isCopying_ = false; ///< Then the selection belongs to the copy: nothing else touches it.
+    std::atomic<bool> isCopying_ =
+        false;               ///< Then the selection belongs to the copy: nothing else touches it.
     QThreadPool background_; ///< Last: its end waits for what runs.
 };
 

@@ -38,7 +38,8 @@ bool isBlank(QStringView text) {
 }
 
 bool isUsable(QStringView text) {
-    return !isBlank(text) && Graphemes::count(text) <= SelectionService::longest;
+    // Not counted to the end: it may be millions.
+    return !isBlank(text) && Graphemes::prefix(text, SelectionService::longest).size() == text.size();
 }
 
 bool isSecure(AccessibleElement& element) { return element.role() == QStringView(secureTextFieldRole); }
@@ -90,13 +91,18 @@ std::optional<SelectionSnapshot> accessibleSnapshot(const std::shared_ptr<Access
     return std::nullopt;
 }
 
-bool isStillSelectedIn(const std::shared_ptr<AccessibleElement>& now, const SelectionSnapshot& snapshot) {
+bool isStillSelectedIn(const std::shared_ptr<AccessibleElement>& now, const SelectionSnapshot& snapshot,
+                       std::chrono::milliseconds left) {
     if (!now || !now->isSameAs(*snapshot.focus))
         return false;
-    const auto element = snapshot.element->renewed(SelectionService::budget);
+    const auto element = snapshot.element->renewed(left);
     if (const auto text = selectedTextIn(*element))
         return *text == snapshot.text;
     return !snapshot.element->isSameAs(*snapshot.focus);
+}
+
+std::chrono::milliseconds leftUntil(std::chrono::steady_clock::time_point end) {
+    return std::chrono::floor<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
 }
 
 bool canCopySelection(const RunningApplication& application) {
@@ -112,32 +118,33 @@ QCoro::Task<std::optional<SelectionSnapshot>>
 SelectionService::snapshot(std::optional<RunningApplication> app) {
     if (!trust_.isProcessTrusted())
         co_return std::nullopt;
+    const auto end = std::chrono::steady_clock::now() + wholeBudget;
     // A window of our own answers on this very thread: it is not asked.
     const auto frontmost = workspace_.frontmostApplication();
     if (!frontmost || !workspace_.isCurrent(*frontmost)) {
         const auto process = frontmost ? frontmost->processIdentifier : 0;
         auto search = inBackground<std::optional<SelectionSnapshot>>(
-            background_, [&accessibility = accessibility_, process] {
+            background_, clock_, budget, [&accessibility = accessibility_, process] {
                 return accessibleSnapshot(accessibility.focusedElement(process, budget));
             });
-        auto found = co_await search;
+        auto found = co_await search.answer;
         if (found) {
             if (app)
                 found->appPID = static_cast<qint32>(app->processIdentifier);
             co_return found;
         }
     }
-    co_return co_await copiedSnapshot(std::move(app));
+    co_return co_await copiedSnapshot(std::move(app), end);
 }
 
 QCoro::Task<std::optional<SelectionSnapshot>>
-SelectionService::copiedSnapshot(std::optional<RunningApplication> app) {
+SelectionService::copiedSnapshot(std::optional<RunningApplication> app, Moment end) {
     const auto frontmost = workspace_.frontmostApplication();
     const auto target = app ? app : frontmost;
     if (!target || workspace_.isCurrent(*target) || !frontmost ||
         frontmost->processIdentifier != target->processIdentifier || !canCopySelection(*target))
         co_return std::nullopt;
-    auto text = co_await paste_.copySelection(target, copyTimeout);
+    auto text = co_await paste_.copySelection(target, copyTimeout, end);
     if (!text || !isUsable(*text)) {
         qCDebug(selectionLog).noquote() << u"selection: none"_s;
         co_return std::nullopt;
@@ -150,19 +157,23 @@ SelectionService::copiedSnapshot(std::optional<RunningApplication> app) {
 }
 
 QCoro::Task<bool> SelectionService::isStillSelected(SelectionSnapshot snapshot) {
+    const auto end = std::chrono::steady_clock::now() + wholeBudget;
     const auto frontmost = workspace_.frontmostApplication();
     if (snapshot.source == SelectionSource::accessibility) {
         if (!snapshot.focus || !snapshot.element || (frontmost && workspace_.isCurrent(*frontmost)))
             co_return false;
         const auto process = frontmost ? frontmost->processIdentifier : 0;
-        auto look = inBackground<bool>(background_, [&accessibility = accessibility_, process, snapshot] {
-            return isStillSelectedIn(accessibility.focusedElement(process, budget), snapshot);
-        });
-        co_return co_await look;
+        auto look = inBackground<bool>(background_, clock_, budget,
+                                       [&accessibility = accessibility_, process, snapshot] {
+                                           const auto lookEnd = std::chrono::steady_clock::now() + budget;
+                                           const auto focused = accessibility.focusedElement(process, budget);
+                                           return isStillSelectedIn(focused, snapshot, leftUntil(lookEnd));
+                                       });
+        co_return co_await look.answer;
     }
     if (!snapshot.appPID || !frontmost || frontmost->processIdentifier != *snapshot.appPID)
         co_return false;
-    const auto text = co_await paste_.copySelection(frontmost, copyTimeout);
+    const auto text = co_await paste_.copySelection(frontmost, copyTimeout, end);
     const auto trimmed = [](const QString& whole) {
         return WhiteSpace::trimmed(whole, WhiteSpace::Set::whitespacesAndNewlines);
     };

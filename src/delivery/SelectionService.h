@@ -28,11 +28,14 @@ public:
     static constexpr int deepest = 7;
     static constexpr int nodeBudget = 500;
     static constexpr std::chrono::milliseconds copyTimeout{150};
-    /// What the application may cost us through accessibility.
-    static constexpr std::chrono::milliseconds budget{250};
+    /// What the application may cost us through accessibility, and in all. A quarter and half of a second are
+    /// what a dictation can spend on it; a busy machine lets everybody wait some more.
+    static constexpr std::chrono::milliseconds budget{220};
+    static constexpr std::chrono::milliseconds wholeBudget{450};
 
-    SelectionService(Accessibility& accessibility, Workspace& workspace, PasteService& paste, Trust& trust)
-        : accessibility_(accessibility), workspace_(workspace), paste_(paste), trust_(trust) {}
+    SelectionService(Accessibility& accessibility, Workspace& workspace, PasteService& paste, Trust& trust,
+                     Clock& clock)
+        : accessibility_(accessibility), workspace_(workspace), paste_(paste), trust_(trust), clock_(clock) {}
 
     /// `app` is the dictation's target.
     [[nodiscard]] QCoro::Task<std::optional<SelectionSnapshot>>
@@ -44,13 +47,16 @@ public:
     [[nodiscard]] std::optional<QString> contextText();
 
 private:
+    using Moment = std::chrono::steady_clock::time_point;
+
     [[nodiscard]] QCoro::Task<std::optional<SelectionSnapshot>>
-    copiedSnapshot(std::optional<RunningApplication> app);
+    copiedSnapshot(std::optional<RunningApplication> app, Moment end);
 
     Accessibility& accessibility_;
     Workspace& workspace_;
     PasteService& paste_;
     Trust& trust_;
+    Clock& clock_;
     QThreadPool background_; ///< Last: its end waits for what runs.
 };
 

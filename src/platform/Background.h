@@ -6,13 +6,21 @@
 /// In two statements: the compiler of the day ends what is captured twice when it stands within the wait. The
 /// pool's end waits for what runs. Without a pool, the program's own is taken: for work that owns what it
 /// reads and ends by itself.
+///
+///     auto work = inBackground<QString>(pool, clock, 250ms, [] { … });
+///     const auto text = co_await work.answer;      // empty when there is none by then
+///
+/// Who waits no longer than that gets nothing; the work goes on to its own end.
 #pragma once
+
+#include "platform/Clock.h"
 
 #include <QCoro/QCoroFuture>
 #include <QFuture>
 #include <QPromise>
 #include <QThreadPool>
 
+#include <atomic>
 #include <memory>
 #include <type_traits>
 
@@ -27,6 +35,34 @@ template <typename T, typename Work>
         promise->finish();
     });
     return promise->future();
+}
+
+/// What is waited for in the background, no longer than a while. Main thread.
+template <typename T>
+struct TimedWork {
+    QFuture<T> answer;
+    Subscription alarm;
+};
+
+template <typename T, typename Work>
+[[nodiscard]] TimedWork<T> inBackground(QThreadPool& pool, Clock& clock, std::chrono::milliseconds longest,
+                                        Work work) {
+    struct Race {
+        QPromise<T> promise;
+        std::atomic<bool> isOver = false;
+
+        void finish(T value) {
+            if (isOver.exchange(true))
+                return;
+            promise.addResult(std::move(value));
+            promise.finish();
+        }
+    };
+    const auto race = std::make_shared<Race>();
+    race->promise.start();
+    TimedWork<T> timed{race->promise.future(), clock.after(longest, [race] { race->finish(T{}); })};
+    pool.start([race, work = std::move(work)] { race->finish(work()); });
+    return timed;
 }
 
 template <typename Work>

@@ -8,10 +8,14 @@
 #include "tests/support/FakeTrust.h"
 #include "tests/support/FakeWorkspace.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/WaitUntil.h"
 
 #include <QCoro/QCoroTask>
 
 #include <gmock/gmock.h>
+
+#include <atomic>
+#include <semaphore>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -27,6 +31,25 @@ RunningApplication application(qint64 process, const QString& kin) {
     made.bundleIdentifier = made.kin = kin;
     return made;
 }
+
+std::chrono::steady_clock::time_point soon() { return std::chrono::steady_clock::now() + 10s; }
+
+/// Holds a thread up where a test wants it to be slow.
+class Obstacle final {
+public:
+    void meet() {
+        isMet_ = true;
+        way_.acquire();
+    }
+    [[nodiscard]] bool awaitMeeting() {
+        return waitUntil([this] { return isMet_.load(); });
+    }
+    void remove() { way_.release(); }
+
+private:
+    std::atomic<bool> isMet_ = false;
+    std::binary_semaphore way_{0};
+};
 
 /// A keyboard whose copy chord puts something on the pasteboard, as applications do.
 class CopyingKeyboard final : public SyntheticKeyboard {
@@ -77,6 +100,14 @@ protected:
         return QCoro::waitFor(service.isStillSelected(taken));
     }
 
+    void holdUp(const QString& call) {
+        pasteboard.onCall = [this, call](const QString& made) {
+            if (made == call)
+                obstacle.meet();
+        };
+    }
+
+    Obstacle obstacle;
     const RunningApplication browser = application(7, u"org.mozilla.firefox"_s);
     const RunningApplication editor = application(7, u"com.apple.TextEdit"_s);
     FakeAccessibility accessibility;
@@ -86,7 +117,7 @@ protected:
     FakeTrust trust;
     FakeClock clock;
     PasteService paste{pasteboard, keyboard, trust, clock};
-    SelectionService service{accessibility, workspace, paste, trust};
+    SelectionService service{accessibility, workspace, paste, trust, clock};
     LogCapture log;
 };
 
@@ -266,15 +297,64 @@ TEST_F(SelectionServiceTest, GivesTheSelectionOrElseTheTextAsContext) {
     EXPECT_EQ(service.contextText(), std::nullopt);
 }
 
+TEST_F(SelectionServiceTest, DoesNotWaitForAnApplicationThatTakesItsTime) {
+    accessibility.onAsked = [this] { obstacle.meet(); };
+    focus().selectedText = u"chosen, told late"_s;
+    auto looking = service.snapshot(editor);
+    EXPECT_TRUE(obstacle.awaitMeeting());
+    clock.advance(SelectionService::budget);
+    EXPECT_EQ(QCoro::waitFor(std::move(looking)), std::nullopt);
+    obstacle.remove();
+}
+
+TEST_F(SelectionServiceTest, DoesNotWaitForAClipboardThatTakesItsTime) {
+    {
+        PasteService shortLived(pasteboard, keyboard, trust, clock);
+        SelectionService own(accessibility, workspace, shortLived, trust, clock);
+        holdUp(u"save clipboard"_s);
+        auto looking = own.snapshot(browser);
+        EXPECT_TRUE(obstacle.awaitMeeting());
+        clock.advance(SelectionService::wholeBudget);
+        EXPECT_EQ(QCoro::waitFor(std::move(looking)), std::nullopt);
+        obstacle.remove();
+    }
+    EXPECT_EQ(keyboard.chords, 0) << "nobody wants it any more";
+}
+
+TEST_F(SelectionServiceTest, GivesWhatWasCopiedAlsoWhileTheClipboardIsSlowToComeBack) {
+    pasteboard.text = u"copied"_s;
+    {
+        PasteService shortLived(pasteboard, keyboard, trust, clock);
+        SelectionService own(accessibility, workspace, shortLived, trust, clock);
+        holdUp(u"restore clipboard"_s);
+        auto looking = own.snapshot(browser);
+        EXPECT_TRUE(obstacle.awaitMeeting());
+        clock.advance(SelectionService::wholeBudget);
+        const auto taken = QCoro::waitFor(std::move(looking));
+        ASSERT_TRUE(taken);
+        EXPECT_EQ(taken->text, u"copied"_s);
+        EXPECT_FALSE(shortLived.insert(u"dictated"_s, browser)) << "the clipboard is not its own again";
+        obstacle.remove();
+    }
+    EXPECT_EQ(pasteboard.restored.size(), 1U);
+}
+
+TEST_F(SelectionServiceTest, PostsNoKeysWhenTheCopyWouldComeTooLate) {
+    const auto end = std::chrono::steady_clock::now() + 150ms;
+    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 150ms, end)), std::nullopt);
+    EXPECT_EQ(keyboard.chords, 0);
+    EXPECT_THAT(pasteboard.calls, IsEmpty());
+}
+
 TEST_F(SelectionServiceTest, ACopyWithoutTextIsUndoneAllTheSame) {
     pasteboard.text = std::nullopt;
-    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 150ms)), std::nullopt);
+    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 150ms, soon())), std::nullopt);
     EXPECT_EQ(pasteboard.restored.size(), 1U);
 }
 
 TEST_F(SelectionServiceTest, ACopyWithoutTimePostsItsKeysAndWaitsForNothing) {
     pasteboard.text = u"copied"_s;
-    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 0ms)), std::nullopt);
+    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 0ms, soon())), std::nullopt);
     EXPECT_EQ(keyboard.chords, 1);
     EXPECT_THAT(pasteboard.restored, IsEmpty());
 }
@@ -286,7 +366,7 @@ TEST_F(SelectionServiceTest, ACopyWhileAPasteIsUnderWayGivesBackWhatThePasteHadS
     pasteboard.saved = PasteboardContents{{"UTF8_STRING", "UTF8_STRING", 8, "dictated"}};
     keyboard.copies = true;
     pasteboard.text = u"copied"_s;
-    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 150ms)), u"copied"_s);
+    EXPECT_EQ(QCoro::waitFor(paste.copySelection(browser, 150ms, soon())), u"copied"_s);
     ASSERT_EQ(pasteboard.restored.size(), 1U);
     EXPECT_EQ(pasteboard.restored.front().contents, users);
 }

@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 namespace velorin {
 
 class FakeElement final : public AccessibleElement {
@@ -61,9 +63,12 @@ class FakeAccessibility final : public Accessibility {
 public:
     std::shared_ptr<FakeElement> focused;
     std::vector<qint64> processes;
+    /// Called on the thread that asks, before it is answered.
+    std::function<void()> onAsked = [] {};
 
     std::shared_ptr<AccessibleElement> focusedElement(qint64 process, std::chrono::milliseconds) override {
         processes.push_back(process);
+        onAsked();
         return focused;
     }
 };

@@ -23,6 +23,8 @@ public:
     std::vector<PasteboardFetch> fetched;
     /// What happens while somebody waits for a fetch; false when the deadline passes.
     std::function<bool()> onAwaitFetch = [] { return false; };
+    /// Called with each call, on its thread, before it is answered.
+    std::function<void(const QString&)> onCall = [](const QString&) {};
     std::vector<QString> texts;
     std::vector<Restored> restored;
 
@@ -57,6 +59,7 @@ private:
     void note(const char* what, PasteboardSelection selection) {
         const bool isPrimary = selection == PasteboardSelection::primary;
         calls.append(QString::fromLatin1(what) + QString::fromLatin1(isPrimary ? " primary" : " clipboard"));
+        onCall(calls.last());
     }
 };
 

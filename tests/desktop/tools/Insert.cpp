@@ -71,7 +71,7 @@ public:
     Commands(AppModel& model, Platform& platform)
         : model_(model), workspace_(platform.workspace),
           paste_(platform.pasteboard, platform.keyboard, platform.trust, platform.clock),
-          selections_(platform.accessibility, workspace_, paste_, platform.trust),
+          selections_(platform.accessibility, workspace_, paste_, platform.trust, platform.clock),
           input_(STDIN_FILENO, QSocketNotifier::Read) {
         QObject::connect(&input_, &QSocketNotifier::activated, &input_, [this] { readSome(); });
         QObject::connect(&model_, &AppState::errorMessageChanged, &input_, [this] {
@@ -119,8 +119,9 @@ private:
     }
 
     QCoro::Task<> tellSelection() {
+        const auto application = workspace_.frontmostApplication(); // a dictation knows it before it looks
         const double began = now();
-        const auto snapshot = co_await selections_.snapshot(workspace_.frontmostApplication());
+        const auto snapshot = co_await selections_.snapshot(application);
         const double took = (now() - began) * 1000;
         const bool isCopied = snapshot && snapshot->source == SelectionSource::clipboard;
         say("selection", {{u"text"_s, snapshot ? snapshot->text : QString()},

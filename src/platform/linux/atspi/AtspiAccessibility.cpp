@@ -19,8 +19,12 @@ using namespace std::chrono_literals;
 constexpr auto retryInterval = 2000;
 /// A session's bus may be slow to start the accessibility bus on our behalf.
 constexpr auto connectDeadline = 3s;
-/// What a caller waits beyond the budget: the thread keeps the budget by itself.
-constexpr auto slack = 20ms;
+/// What the thread leaves of a budget for its answer to reach the caller, who waits no longer than that.
+constexpr auto handing = 20ms;
+
+std::shared_ptr<AtspiOperation> operationWithin(std::chrono::milliseconds budget) {
+    return std::make_shared<AtspiOperation>(budget - handing);
+}
 
 std::string sessionAddress() {
     const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString();
@@ -77,8 +81,8 @@ public:
         };
         const auto outcome = std::make_shared<Outcome>();
         const bool isDone =
-            owner_.perform(operation_->end.time() + slack, [outcome, text, object = object_,
-                                                            operation = operation_](AtspiLoop& loop) {
+            owner_.perform(operation_->end.time() + handing, [outcome, text, object = object_,
+                                                              operation = operation_](AtspiLoop& loop) {
                 outcome->answer = loop.replaceSelection(object, text, *operation, outcome->wasSent);
             });
         if (!isDone && outcome->wasSent)
@@ -98,7 +102,7 @@ public:
         return element && element->object_ == object_;
     }
     std::shared_ptr<AccessibleElement> renewed(std::chrono::milliseconds budget) const override {
-        return std::make_shared<AtspiElement>(owner_, object_, std::make_shared<AtspiOperation>(budget));
+        return std::make_shared<AtspiElement>(owner_, object_, operationWithin(budget));
     }
 
 private:
@@ -106,7 +110,7 @@ private:
     [[nodiscard]] T ask(T (AtspiLoop::*question)(const BusObject&, AtspiOperation&)) {
         const auto answer = std::make_shared<T>();
         const bool isDone =
-            owner_.perform(operation_->end.time() + slack,
+            owner_.perform(operation_->end.time() + handing,
                            [answer, question, object = object_, operation = operation_](AtspiLoop& loop) {
                                *answer = (loop.*question)(object, *operation);
                            });
@@ -127,9 +131,9 @@ AtspiAccessibility::~AtspiAccessibility() {
 
 std::shared_ptr<AccessibleElement> AtspiAccessibility::focusedElement(qint64 process,
                                                                       std::chrono::milliseconds budget) {
-    const auto operation = std::make_shared<AtspiOperation>(budget);
+    const auto operation = operationWithin(budget);
     const auto found = std::make_shared<std::optional<BusObject>>();
-    const bool isDone = perform(operation->end.time() + slack,
+    const bool isDone = perform(operation->end.time() + handing,
                                 [=](AtspiLoop& loop) { *found = loop.focused(process, *operation); });
     if (!isDone || !*found)
         return nullptr;

@@ -28,6 +28,8 @@ bool isSet(const std::vector<std::uint32_t>& bits, unsigned state) {
     return state / 32 < bits.size() && (bits[state / 32] >> (state % 32) & 1U) != 0;
 }
 
+Deadline earlier(Deadline a, Deadline b) { return a.time() < b.time() ? a : b; }
+
 std::string eventRule(const std::string& interface, const std::string& rest) {
     return "type='signal',interface='" + interface + "'," + rest;
 }
@@ -51,15 +53,20 @@ void AtspiLoop::subscribe() {
         (void)bus_.send({{registry, "/org/a11y/atspi/registry"}, registry, "RegisterEvent", {event}});
 }
 
-void AtspiLoop::serve() {
+void AtspiLoop::takeSignals() {
     while (const auto signal = bus_.takeSignal())
         take(*signal);
+}
+
+void AtspiLoop::serve() {
+    takeSignals();
     const auto due = std::ranges::find_if(searches_, [](const auto& s) { return s.second.hasPassed(); });
     if (due == searches_.end())
         return;
     const BusObject application{due->first, rootPath};
     searches_.erase(due);
     AtspiOperation operation(callDeadline);
+    operation.givesWay = true;
     (void)searchIn(application, operation);
 }
 
@@ -110,7 +117,7 @@ void AtspiLoop::forget(const std::string& owner) {
 }
 
 std::optional<BusObject> AtspiLoop::focused(std::int64_t process, AtspiOperation& operation) {
-    serve();
+    takeSignals(); // and no more: what else is due can wait
     const auto isAskedFor = [&](const BusObject& element) {
         return process == 0 || processOf(element.owner, operation) == process;
     };
@@ -174,13 +181,22 @@ BusMessage AtspiLoop::ask(const BusCall& call, AtspiOperation& operation) {
     const auto& owner = call.object.owner;
     if (operation.end.hasPassed() || operation.silent.contains(owner))
         return nullptr;
-    const Deadline own(callDeadline);
-    auto reply = bus_.call(call, std::min(own, operation.end, [](const Deadline& a, const Deadline& b) {
-                               return a.time() < b.time();
-                           }));
+    const auto serial = bus_.send(call);
+    auto reply =
+        serial != 0 ? await(serial, earlier(Deadline(callDeadline), operation.end), operation) : nullptr;
     if (!reply && bus_.hasTimedOut())
         operation.silent.insert(owner);
     return reply;
+}
+
+BusMessage AtspiLoop::await(std::uint32_t serial, Deadline deadline, const AtspiOperation& operation) {
+    if (!operation.givesWay)
+        return bus_.await(serial, deadline);
+    for (;;) {
+        auto reply = bus_.await(serial, earlier(Deadline(givingWayStep), deadline));
+        if (reply || !bus_.hasTimedOut() || deadline.hasPassed() || isWanted_())
+            return reply;
+    }
 }
 
 std::vector<BusObject> AtspiLoop::children(const BusObject& element, AtspiOperation& operation) {

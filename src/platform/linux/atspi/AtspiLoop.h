@@ -22,6 +22,7 @@ struct AtspiOperation {
     explicit AtspiOperation(std::chrono::milliseconds budget) : end(budget) {}
 
     Deadline end;
+    bool givesWay = false; ///< Nobody waits for it: it ends as soon as somebody wants something else.
     std::set<std::string> silent;
 };
 
@@ -33,6 +34,8 @@ public:
     static constexpr std::chrono::milliseconds focusPatience{150};
     /// How long a write may take to show.
     static constexpr std::chrono::milliseconds writePatience{50};
+    /// How often what gives way looks whether it has to.
+    static constexpr std::chrono::milliseconds givingWayStep{10};
 
     /// `isWanted` tells a long search that somebody waits for something else.
     AtspiLoop(BusConnection& bus, std::function<bool()> isWanted);
@@ -68,6 +71,7 @@ private:
     };
 
     [[nodiscard]] BusMessage ask(const BusCall& call, AtspiOperation& operation);
+    [[nodiscard]] BusMessage await(std::uint32_t serial, Deadline deadline, const AtspiOperation& operation);
     [[nodiscard]] std::optional<std::int32_t> textNumber(const BusObject& element, const char* property,
                                                          AtspiOperation& operation);
     [[nodiscard]] std::optional<QString> textBetween(const BusObject& element, std::int32_t start,
@@ -85,6 +89,7 @@ private:
     [[nodiscard]] std::string toolkitOf(const std::string& owner, AtspiOperation& operation);
     [[nodiscard]] std::int64_t processOf(const std::string& owner, AtspiOperation& operation);
 
+    void takeSignals();
     void take(DBusMessage& signal);
     void focusMoved(const BusObject& element, bool isThere);
     void subscribe();

@@ -10,8 +10,10 @@ namespace velorin {
 
 namespace {
 using namespace std::chrono_literals;
-/// What the thread may need besides the owner's own time: a healthy server takes a few milliseconds.
-constexpr auto slack = 2 * serverDeadline;
+/// A healthy server takes a few milliseconds.
+constexpr auto workDeadline = 2 * serverDeadline;
+/// What the thread leaves of a deadline for its answer to reach the caller.
+constexpr auto handing = 10ms;
 } // namespace
 
 X11Pasteboard::X11Pasteboard() {
@@ -60,22 +62,25 @@ void X11Pasteboard::serve(ClipboardLoop& loop, int serverDescriptor, const std::
         loop.handOver();
 }
 
-bool X11Pasteboard::perform(std::chrono::milliseconds deadline, std::function<void(ClipboardLoop&)> work) {
-    return jobs_.perform(std::chrono::steady_clock::now() + deadline + slack, std::move(work));
+bool X11Pasteboard::perform(std::function<void(ClipboardLoop&)> work) {
+    return jobs_.perform(std::chrono::steady_clock::now() + workDeadline, std::move(work));
+}
+
+bool X11Pasteboard::look(Deadline deadline, std::function<void(ClipboardLoop&)> work) {
+    return jobs_.perform(deadline.time() + handing, std::move(work));
 }
 
 std::optional<PasteboardContents> X11Pasteboard::save(PasteboardSelection selection,
                                                       std::chrono::milliseconds deadline) {
     const auto result = std::make_shared<std::optional<PasteboardContents>>();
-    const Deadline until(deadline);
-    const bool isDone =
-        perform(deadline, [=](ClipboardLoop& loop) { *result = loop.save(selection, until); });
+    const Deadline until(deadline - handing);
+    const bool isDone = look(until, [=](ClipboardLoop& loop) { *result = loop.save(selection, until); });
     return isDone ? std::move(*result) : std::nullopt;
 }
 
 std::optional<quint64> X11Pasteboard::write(PasteboardSelection selection, const QString& text) {
     const auto result = std::make_shared<std::optional<quint64>>();
-    const bool isDone = perform(0ms, [=, this](ClipboardLoop& loop) {
+    const bool isDone = perform([=, this](ClipboardLoop& loop) {
         {
             const std::scoped_lock lock(fetchesMutex_);
             fetches_[indexOf(selection)].clear();
@@ -89,22 +94,21 @@ bool X11Pasteboard::restore(PasteboardSelection selection, const PasteboardConte
                             quint64 expected) {
     const auto result = std::make_shared<bool>(false);
     const bool isDone =
-        perform(0ms, [=](ClipboardLoop& loop) { *result = loop.restore(selection, contents, expected); });
+        perform([=](ClipboardLoop& loop) { *result = loop.restore(selection, contents, expected); });
     return isDone && *result;
 }
 
 quint64 X11Pasteboard::changeCount(PasteboardSelection selection) {
     const auto result = std::make_shared<quint64>(0);
-    const bool isDone = perform(0ms, [=](ClipboardLoop& loop) { *result = loop.changeCount(selection); });
+    const bool isDone = perform([=](ClipboardLoop& loop) { *result = loop.changeCount(selection); });
     return isDone ? *result : 0;
 }
 
 std::optional<QString> X11Pasteboard::read(PasteboardSelection selection,
                                            std::chrono::milliseconds deadline) {
     const auto result = std::make_shared<std::optional<QString>>();
-    const Deadline until(deadline);
-    const bool isDone =
-        perform(deadline, [=](ClipboardLoop& loop) { *result = loop.read(selection, until); });
+    const Deadline until(deadline - handing);
+    const bool isDone = look(until, [=](ClipboardLoop& loop) { *result = loop.read(selection, until); });
     return isDone ? std::move(*result) : std::nullopt;
 }
 

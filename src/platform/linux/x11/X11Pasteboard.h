@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/Pasteboard.h"
+#include "platform/linux/x11/Deadline.h"
 #include "platform/linux/x11/ThreadJobs.h"
 
 #include <array>
@@ -38,8 +39,10 @@ public:
 private:
     void run();
     void serve(ClipboardLoop& loop, int serverDescriptor, const std::function<bool()>& isBroken);
-    /// False when the work was not begun, or not done, within the deadline and some more for the server.
-    bool perform(std::chrono::milliseconds deadline, std::function<void(ClipboardLoop&)> work);
+    /// False when the work was not begun, or not done, within what a healthy server takes for it.
+    bool perform(std::function<void(ClipboardLoop&)> work);
+    /// The same for what only reads: it may be given up at any time, so nobody waits beyond the deadline.
+    bool look(Deadline deadline, std::function<void(ClipboardLoop&)> work);
     [[nodiscard]] static std::size_t indexOf(PasteboardSelection selection);
 
     ThreadJobs<ClipboardLoop> jobs_;

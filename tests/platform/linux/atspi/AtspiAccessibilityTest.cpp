@@ -174,6 +174,31 @@ TEST_F(AtspiAccessibilityTest, AHungApplicationCostsOneDeadline) {
     EXPECT_FALSE(service->state().calls.contains(u"InsertText"_s));
 }
 
+TEST_F(AtspiAccessibilityTest, ManySlowAnswersShareOneDeadline) {
+    const auto element = focus();
+    set([](auto& s) { s.delay = 80ms, s.text = u"slow"_s, s.end = 4; });
+    const auto renewed = element->renewed(200ms);
+    EXPECT_LT(timeOf([&] {
+                  (void)renewed->role();
+                  (void)renewed->value();
+                  (void)renewed->selectedText();
+                  (void)renewed->selectedTextRange();
+                  (void)renewed->children();
+              }),
+              400ms)
+        << "each by itself would need more than a second";
+}
+
+TEST_F(AtspiAccessibilityTest, BytesThatAreNoTextCostTheApplicationItsBusAndUsNothing) {
+    set([](auto& s) { s.text = u"text"_s, s.end = 4; });
+    const auto element = focus();
+    set([](auto& s) { s.garbled = {"GetText"}; });
+    EXPECT_EQ(element->renewed(budget)->selectedText(), std::nullopt);
+    EXPECT_EQ(element->renewed(budget)->value(), std::nullopt);
+    service = std::make_unique<AtspiService>(bus.address());
+    EXPECT_TRUE(focus()) << "everybody else is still heard";
+}
+
 TEST_F(AtspiAccessibilityTest, AWriteWithoutAnAnswerCountsAsHandedOver) {
     set([](auto& s) { s.silent = {"InsertText"}; });
     EXPECT_TRUE(focus()->replaceSelection(u"text"_s));

@@ -3,6 +3,8 @@
 #include <array>
 #include <stdexcept>
 
+#include <unistd.h>
+
 namespace velorin {
 
 namespace {
@@ -117,12 +119,15 @@ void AtspiService::run() {
 }
 
 void AtspiService::answer(DBusMessage& call) {
+    std::this_thread::sleep_for(state().delay);
     const std::scoped_lock lock(mutex_);
     const std::string method = dbus_message_get_member(&call);
     state_.calls.append(QString::fromStdString(method));
     if (state_.silent.contains(method))
         return;
     auto* const reply = dbus_message_new_method_return(&call);
+    if (state_.garbled.contains(method))
+        return answerGarbled(*reply);
     if (state_.nonsense.contains(method)) {
         const double number = 0.5;
         append(*reply, DBUS_TYPE_DOUBLE, &number);
@@ -131,6 +136,25 @@ void AtspiService::answer(DBusMessage& call) {
     }
     dbus_connection_send(connection_, reply, nullptr);
     dbus_message_unref(reply);
+}
+
+void AtspiService::answerGarbled(DBusMessage& reply) {
+    // The library refuses to send such a text, so the bytes of a good one are changed behind its back.
+    const char* text = "good";
+    append(reply, DBUS_TYPE_STRING, &text);
+    dbus_message_set_serial(&reply, 1U << 30);
+    char* bytes = nullptr;
+    int length = 0;
+    dbus_message_marshal(&reply, &bytes, &length);
+    dbus_message_unref(&reply);
+    QByteArray message(bytes, length);
+    dbus_free(bytes);
+    message.replace("good", "\xff\xfe\xc3(");
+    dbus_connection_flush(connection_);
+    int socket = -1;
+    dbus_connection_get_socket(connection_, &socket);
+    if (::write(socket, message.constData(), static_cast<std::size_t>(message.size())) != message.size())
+        throw std::runtime_error("the bus does not take it");
 }
 
 bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string& method) {

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <set>
@@ -31,12 +32,14 @@ public:
         bool isEditable = true;
         bool hasText = true;
         bool isWindow = false; ///< The field is the window itself, and a part of it has the focus as well.
-        int closedItems = 0; ///< In a closed menu that stands before the field.
+        int closedItems = 0;   ///< In a closed menu that stands before the field.
         std::string toolkit = "gtk";
-        std::set<std::string> silent;   ///< Methods that are never answered.
-        std::set<std::string> nonsense; ///< Methods that are answered with something else.
-        std::set<std::string> lies;     ///< Methods that say yes and do nothing.
-        std::set<std::string> refuses;  ///< Methods that say no.
+        std::chrono::milliseconds delay{0}; ///< Of each answer.
+        std::set<std::string> silent;       ///< Methods that are never answered.
+        std::set<std::string> garbled;      ///< Methods that are answered with bytes that are no UTF-8.
+        std::set<std::string> nonsense;     ///< Methods that are answered with something else.
+        std::set<std::string> lies;         ///< Methods that say yes and do nothing.
+        std::set<std::string> refuses;      ///< Methods that say no.
         bool isEnabled = false;
         QStringList calls;
     };
@@ -54,6 +57,7 @@ public:
 private:
     void run();
     void answer(DBusMessage& call);
+    void answerGarbled(DBusMessage& reply);
     bool fill(DBusMessage& reply, DBusMessage& call, const std::string& method);
     void property(DBusMessage& reply, DBusMessage& call);
     bool write(DBusMessage& call, const std::string& method);
