@@ -1,6 +1,7 @@
 """The clipboard, as another program sees it."""
-import subprocess
+import random
 import struct
+import subprocess
 import zlib
 
 _SECONDS = 5
@@ -25,16 +26,11 @@ def targets(selection: str = "clipboard") -> list[str]:
 
 def png(width: int, height: int) -> bytes:
     """A picture of noise, which does not become small: 3 bytes a pixel and a little more."""
-    state = 1
-    rows = bytearray()
-    for _ in range(height):
-        rows.append(0)
-        for _ in range(width * 3):
-            state = (state * 1103515245 + 12345) & 0x7FFFFFFF
-            rows.append(state >> 16 & 255)
+    chance = random.Random(1)
+    rows = b"".join(b"\0" + chance.randbytes(width * 3) for _ in range(height))
 
     def chunk(name: bytes, data: bytes) -> bytes:
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
 
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
-            + chunk(b"IDAT", zlib.compress(bytes(rows))) + chunk(b"IEND", b""))
+            + chunk(b"IDAT", zlib.compress(rows, 1)) + chunk(b"IEND", b""))
