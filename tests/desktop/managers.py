@@ -19,11 +19,14 @@ class Manager(NamedTuple):
     name: str
     command: list[str]
     end: list[str] | None = None  # how it is asked to write its history; None: by a signal
+    tell: list[str] | None = None  # how it is asked what it holds, if it writes nothing while it runs
 
 
 MANAGERS = [
     Manager("CopyQ", ["copyq"], ["copyq", "exit"]),
     Manager("Xfce Clipman", ["xfce4-clipman"]),
+    Manager("Klipper", ["klipper"], tell=["dbus-send", "--session", "--print-reply", "--dest=org.kde.klipper", "/klipper",
+                                          "org.kde.klipper.klipper.getClipboardHistoryMenu"]),
     Manager("Parcellite", ["parcellite", "-n"]),
     Manager("Diodon", ["diodon"]),
     Manager("GPaste", ["/usr/libexec/gpaste/gpaste-daemon"]),
@@ -70,6 +73,7 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
     if shutil.which(manager.command[0]) is None:
         return "not checked"
     own, dictated = _OWN + manager.name, _DICTATED + manager.name
+    told = b""
     with _running(manager.command) as running:
         # It has taken its place when it looks at what is copied; what it does not keep of the user tells nothing.
         time.sleep(3)
@@ -81,12 +85,14 @@ def check(manager: Manager, target: Target, delivery: Delivery) -> str:
         delivery.insert(dictated + "\n")
         waiting.until("the text", 5, lambda: dictated in target.state().text)
         time.sleep(2)
+        if manager.tell is not None:
+            told = subprocess.run(manager.tell, timeout=10, capture_output=True).stdout
         if manager.end is not None:
             subprocess.run(manager.end, timeout=10, capture_output=True)
             running.wait(10)
-    if not _is_kept(own):
-        return "not told: it wrote no history"
-    return "**keeps the dictated text**" if _is_kept(dictated) else "does not keep it"
+    if not (own.encode() in told or _is_kept(own)):
+        return "not told: not even what the user copied is in its history"
+    return "**keeps the dictated text**" if dictated.encode() in told or _is_kept(dictated) else "does not keep it"
 
 
 def section(windows: Windows, user: User, words: list[str]) -> str:
@@ -100,7 +106,11 @@ def section(windows: Windows, user: User, words: list[str]) -> str:
         target.start()
         with Delivery() as delivery:
             for manager in chosen:
-                rows.append(f"| {manager.name} | {check(manager, target, delivery)} |\n")
+                try:
+                    found = check(manager, target, delivery)
+                except (AssertionError, subprocess.SubprocessError) as error:
+                    found = f"not told: {error}"
+                rows.append(f"| {manager.name} | {found} |\n")
                 print(rows[-1], end="", flush=True)
     finally:
         target.close()
