@@ -30,8 +30,8 @@ public:
     static constexpr std::chrono::milliseconds copyTimeout{150};
     /// What the application may cost us through accessibility, and in all. A quarter and half of a second are
     /// what a dictation can spend on it; a busy machine lets everybody wait some more.
-    static constexpr std::chrono::milliseconds budget{220};
-    static constexpr std::chrono::milliseconds wholeBudget{450};
+    static constexpr std::chrono::milliseconds budget{200};
+    static constexpr std::chrono::milliseconds wholeBudget{430};
 
     SelectionService(Accessibility& accessibility, Workspace& workspace, PasteService& paste, Trust& trust,
                      Clock& clock)
