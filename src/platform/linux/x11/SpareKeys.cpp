@@ -111,6 +111,7 @@ void SpareKeys::run() {
         const auto reader = reader_;
         lock.unlock();
         const bool isRead = !reader || hasReadItsEvents(*connection, *reader, Deadline(pingDeadline));
+        connection->dropEvents();
         lock.lock();
         if (!isDisturbed() && (isRead || Deadline::Clock::now() >= use + longestLoan)) {
             giveBack(*connection, loans_);

@@ -35,9 +35,11 @@ bool takesPings(XConnection& connection, xcb_window_t window, Deadline deadline)
     return std::ranges::find(atoms, connection.atom("_NET_WM_PING")) != atoms.end();
 }
 
-bool answersPing(XConnection& connection, xcb_window_t window, Deadline deadline) {
-    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+void listenToRoot(XConnection& connection, std::uint32_t events) {
     xcb_change_window_attributes(connection.get(), connection.root(), XCB_CW_EVENT_MASK, &events);
+}
+
+bool answersPing(XConnection& connection, xcb_window_t window, Deadline deadline) {
     XEventLoop loop(connection);
     const auto time = loop.serverTime(deadline);
     if (!time)
@@ -68,8 +70,12 @@ bool hasReadItsEvents(XConnection& connection, const RunningApplication& applica
     if (isStopped(application.processIdentifier))
         return false;
     const auto window = static_cast<xcb_window_t>(application.window);
-    return window == XCB_WINDOW_NONE || !takesPings(connection, window, deadline) ||
-           answersPing(connection, window, deadline);
+    if (window == XCB_WINDOW_NONE || !takesPings(connection, window, deadline))
+        return true;
+    listenToRoot(connection, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY); // the answer goes to the root
+    const bool isAnswered = answersPing(connection, window, deadline);
+    listenToRoot(connection, XCB_EVENT_MASK_NO_EVENT);
+    return isAnswered;
 }
 
 } // namespace velorin

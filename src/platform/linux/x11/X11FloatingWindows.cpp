@@ -125,6 +125,7 @@ std::optional<QRect> X11FloatingWindows::frame(quint64 window) {
 QRect X11FloatingWindows::workArea(const QRect& monitor) {
     if (!connection_)
         return monitor;
+    connection_->dropEvents();
     const Deadline deadline(serverDeadline);
     const auto screen = connection_->reply<xcb_get_geometry_reply_t>(
         xcb_get_geometry(connection_->get(), connection_->root()), deadline);

@@ -20,6 +20,8 @@ bool X11Session::letsUsWatchAndPostKeys() {
         if (connection_ && (!hasInput22(*connection_) || !connection_->extension(xcb_test_id)))
             connection_.reset();
     }
+    if (connection_)
+        connection_->dropEvents();
     return connection_ && connection_->sync(Deadline(serverDeadline));
 }
 

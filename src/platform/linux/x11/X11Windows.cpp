@@ -37,6 +37,7 @@ X11Windows::X11Windows() : connection_(XConnection::open()) {
 std::optional<RunningApplication> X11Windows::frontmostApplication() {
     if (!connection_)
         return std::nullopt;
+    connection_->dropEvents();
     const Deadline deadline(serverDeadline);
     const auto window = activeWindow(deadline);
     if (window == XCB_WINDOW_NONE)
@@ -112,15 +113,24 @@ void X11Windows::activate(const RunningApplication& application) {
 bool X11Windows::awaitFrontmost(const RunningApplication& application, Deadline deadline) {
     if (!connection_)
         return false;
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    listenToRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    const bool isThere = lookUntilFront(application, deadline);
+    listenToRoot(XCB_EVENT_MASK_NO_EVENT);
+    return isThere;
+}
+
+void X11Windows::listenToRoot(std::uint32_t events) {
     xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK, &events);
+    connection_->flush();
+}
+
+bool X11Windows::lookUntilFront(const RunningApplication& application, Deadline deadline) {
     // The focus itself comes with no event that we could ask for, but close behind the window manager's note.
     constexpr int lookInterval = 5;
     while (!isInFront(application, Deadline(serverDeadline))) {
         if (connection_->isBroken() || deadline.hasPassed())
             return false;
-        while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
-        }
+        connection_->dropEvents();
         pollfd waiting{connection_->fileDescriptor(), POLLIN, 0};
         poll(&waiting, 1, std::min(lookInterval, deadline.pollTimeout()));
     }

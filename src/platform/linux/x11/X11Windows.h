@@ -27,6 +27,8 @@ public:
 
 private:
     [[nodiscard]] xcb_window_t windowOf(const RunningApplication& application, Deadline deadline);
+    void listenToRoot(std::uint32_t events);
+    [[nodiscard]] bool lookUntilFront(const RunningApplication& application, Deadline deadline);
     [[nodiscard]] bool isInFront(const RunningApplication& application, Deadline deadline);
     [[nodiscard]] xcb_window_t focusedWindow(Deadline deadline);
     [[nodiscard]] xcb_window_t activeWindow(Deadline deadline);

@@ -94,6 +94,11 @@ bool XConnection::sync(Deadline deadline) const {
     return reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(get()), deadline) != nullptr;
 }
 
+void XConnection::dropEvents() const {
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
+    }
+}
+
 void* XConnection::awaitReply(unsigned sequence, Deadline deadline) const {
     flush();
     for (;;) {

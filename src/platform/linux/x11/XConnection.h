@@ -56,6 +56,10 @@ public:
     /// Waits until the server has done all that was asked before. False when it does not answer.
     bool sync(Deadline deadline) const;
 
+    /// Forgets the events that have come in. Every client is told of new keyboard maps; where nobody takes
+    /// the events, they would pile up for as long as the program runs.
+    void dropEvents() const;
+
     /// Which client made a resource: the part of the id that all resources of a client share.
     [[nodiscard]] std::uint32_t clientOf(xcb_window_t resource) const {
         return resource & ~setup().resource_id_mask;

@@ -10,6 +10,11 @@ constexpr char timeProperty[] = "_VELORIN_TIME";
 
 XEventLoop::XEventLoop(XConnection& connection) : connection_(connection), window_(makeWindow()) {}
 
+XEventLoop::~XEventLoop() {
+    xcb_destroy_window(connection_.get(), window_);
+    connection_.flush();
+}
+
 xcb_window_t XEventLoop::makeWindow() const {
     const auto window = xcb_generate_id(connection_.get());
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;

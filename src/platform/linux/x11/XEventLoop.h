@@ -21,6 +21,7 @@ public:
     using Listener = std::function<void(const xcb_generic_event_t&)>;
 
     explicit XEventLoop(XConnection& connection);
+    ~XEventLoop();
     XEventLoop(const XEventLoop&) = delete;
     XEventLoop& operator=(const XEventLoop&) = delete;
 
@@ -42,7 +43,7 @@ public:
     /// this time loses against whatever happens after it.
     [[nodiscard]] std::optional<xcb_timestamp_t> serverTime(Deadline deadline);
 
-    /// An unmapped window of ours that lives as long as the connection, for properties and ownership.
+    /// An unmapped window of ours that lives as long as the loop, for properties and ownership.
     [[nodiscard]] xcb_window_t window() const { return window_; }
     [[nodiscard]] xcb_window_t makeWindow() const;
     /// Destroys the window, but not before somebody who was asked to write to it has answered: many a program

@@ -53,6 +53,7 @@ bool XTestSyntheticKeyboard::chord(Chord chord, const std::optional<RunningAppli
     const Deadline deadline(serverDeadline);
     if (!ensureConnection())
         return false;
+    connection_->dropEvents();
     const auto map = KeyboardMap::read(*connection_, deadline);
     if (!map)
         return false;
