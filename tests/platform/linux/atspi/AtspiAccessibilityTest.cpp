@@ -241,6 +241,17 @@ TEST_F(AtspiAccessibilityTest, FetchesNoTextOfMillions) {
     EXPECT_FALSE(service->state().calls.contains(u"GetText"_s));
 }
 
+TEST_F(AtspiAccessibilityTest, SurvivesATextThatIsLongerThanTold) {
+    set([](auto& s) { s.text = u"short"_s, s.boast = 40'000'000; });
+    const auto element = focus();
+    ASSERT_TRUE(element);
+    EXPECT_LT(timeOf([&] { EXPECT_EQ(element->renewed(budget)->value(), std::nullopt); }), 2 * budget);
+    set([](auto& s) { s.boast = 0; });
+    const auto again = focus(); // it may have to come to the bus anew
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->value(), u"short"_s);
+}
+
 TEST_F(AtspiAccessibilityTest, ComesBackToARestartedBus) {
     ASSERT_TRUE(focus());
     service.reset();

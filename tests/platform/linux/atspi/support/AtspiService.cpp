@@ -210,7 +210,7 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
         dbus_int32_t end = 0;
         dbus_message_get_args(&call, nullptr, DBUS_TYPE_INT32, &start, DBUS_TYPE_INT32, &end,
                               DBUS_TYPE_INVALID);
-        appendText(reply, between(start, end));
+        appendText(reply, state_.boast > 0 ? QString(state_.boast, u'x') : between(start, end));
     } else {
         appendTruth(reply, write(call, method));
     }

@@ -35,6 +35,7 @@ public:
         int closedItems = 0;   ///< In a closed menu that stands before the field.
         std::string toolkit = "gtk";
         std::chrono::milliseconds delay{0}; ///< Of each answer.
+        qsizetype boast = 0;                ///< How many letters a text really has that is told to be short.
         std::set<std::string> silent;       ///< Methods that are never answered.
         std::set<std::string> garbled;      ///< Methods that are answered with bytes that are no UTF-8.
         std::set<std::string> nonsense;     ///< Methods that are answered with something else.
