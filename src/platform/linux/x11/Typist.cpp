@@ -89,12 +89,16 @@ std::optional<qsizetype> Typist::type(const QStringList& texts) {
     if (const ServerGrab grab(connection_); !makeTypable(characters, Deadline(planning)))
         return std::nullopt;
     KeyWriter keys(connection_, state_, *map_);
+    const Deadline end(timeFor(characters) + patience);
     qsizetype posted = 0;
     auto next = Deadline::Clock::now();
     for (std::span<const std::u32string> rest(characters); !rest.empty();) {
         const auto some = rest.first(std::min<std::size_t>(rest.size(), handful));
         std::this_thread::sleep_until(next);
-        if (!postHandful(keys, some, rest))
+        bool isPosted = postHandful(keys, some, rest);
+        while (!isPosted && posted > 0 && !end.hasPassed() && !connection_.isBroken())
+            isPosted = postHandful(keys, some, rest);
+        if (!isPosted)
             break;
         for (const auto& character : some)
             next += character.size() * pace;

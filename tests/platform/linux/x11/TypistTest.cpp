@@ -189,6 +189,18 @@ TEST_F(TypistTest, FollowsALayoutThatIsSwitchedWhileItTypes) {
     EXPECT_EQ(typed(text), text);
 }
 
+TEST_F(TypistTest, BringsToItsEndWhatItHasBegunWhenTheServerIsHeldUp) {
+    const QString text = u"the quick brown fox jumps over the lazy dog and "_s.repeated(6);
+    QString first;
+    std::jthread disturber([&] {
+        first = window.text(1);
+        server.holdUp(350ms);
+    });
+    EXPECT_EQ(keyboard.type(charactersOf(text), std::nullopt), text.size());
+    disturber.join();
+    EXPECT_EQ(first + window.text(text.size() - first.size()), text);
+}
+
 TEST_F(TypistTest, GivesBackAtTheNextStartWhatAKilledProcessLeft) {
     const auto before = wholeMap(user.connection());
     const std::array<std::uint32_t, 3> loan{93, 0x01004e2d, 0x01004e2d};

@@ -149,6 +149,12 @@ void PrivateServer::startWindowManager(const std::vector<std::string>& command) 
     awaitManagement(*connection, deadline);
 }
 
+void PrivateServer::holdUp(std::chrono::milliseconds time) {
+    server_->kill(SIGSTOP);
+    std::this_thread::sleep_for(time); // the habit itself, not a wait for anything
+    server_->kill(SIGCONT);
+}
+
 void PrivateServer::kill() { server_->end(SIGKILL); }
 
 } // namespace velorin

@@ -5,6 +5,7 @@
 ///     server.startWindowManager({"openbox"});   // ends with the server
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,6 +52,8 @@ public:
     void startWindowManager(const std::vector<std::string>& command);
     /// The server ends as if it had crashed.
     void kill();
+    /// The server does nothing for so long.
+    void holdUp(std::chrono::milliseconds time);
 
 private:
     std::unique_ptr<ChildProcess> server_;
