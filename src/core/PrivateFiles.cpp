@@ -1,10 +1,11 @@
 #include "core/PrivateFiles.h"
 
+#include "platform/WholeFile.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cstdio>
@@ -102,10 +103,7 @@ std::optional<QByteArray> read(const QString& path, qint64 mostBytes) {
 
 bool write(const QString& path, const QByteArray& data) {
     makeFolder(path);
-    QSaveFile file(path);
-    // Without a buffer: what a full disk did not take is seen here, and not thrown away with the buffer.
-    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.setPermissions(ownerOnly) &&
-           file.write(data) == data.size() && file.commit();
+    return replaceFile(path, data, ownerOnly).has_value();
 }
 
 bool rename(const QString& from, const QString& to) {

@@ -48,9 +48,13 @@ def main(page: str, words: list[str]) -> int:
             if cell.faults:
                 print(f"    {cell}", flush=True)
         print(*looks[-1:], flush=True)
-    with open(page, "w", encoding="utf-8") as file:
-        more = selections.section(looks) + managers.section(windows, user, words)
-        file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS), more))
+
+    def write(more: str):
+        with open(page, "w", encoding="utf-8") as file:
+            file.write(matrix_page.page(results, len(TEXTS), len(SITUATIONS), selections.section(looks) + more))
+
+    write("")  # Half an hour's work is kept, whatever a clipboard manager does.
+    write(managers.section(windows, user, words))
     return 1 if any(look.faults for look in looks) or any(cell.faults for _, cells in results for cell in cells or []) else 0
 
 

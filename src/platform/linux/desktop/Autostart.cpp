@@ -1,11 +1,11 @@
 #include "platform/linux/desktop/Autostart.h"
 
 #include "platform/Log.h"
+#include "platform/WholeFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::Literals::StringLiterals;
@@ -54,13 +54,11 @@ void Autostart::setEnabled(bool value) {
         return;
     }
     QDir().mkpath(folder_);
-    QSaveFile file(path());
     const QString entry =
         u"[Desktop Entry]\nType=Application\nName=Velorin\nIcon=dev.orrin.velorin\nExec=%1\n"
         "Terminal=false\nX-GNOME-Autostart-enabled=true\n"_s.arg(quoted(program_));
-    if (!file.open(QIODevice::WriteOnly) || file.write(entry.toUtf8()) < 0 || !file.commit())
-        qCWarning(permissionsLog).noquote()
-            << u"the autostart entry cannot be written:"_s << file.errorString();
+    if (const auto written = replaceFile(path(), entry.toUtf8()); !written)
+        qCWarning(permissionsLog).noquote() << u"the autostart entry cannot be written:"_s << written.error();
 }
 
 } // namespace velorin

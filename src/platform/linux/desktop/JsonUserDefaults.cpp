@@ -1,11 +1,12 @@
 #include "platform/linux/desktop/JsonUserDefaults.h"
 
+#include "platform/WholeFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QLoggingCategory>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::Literals::StringLiterals;
@@ -77,16 +78,13 @@ void JsonUserDefaults::write() {
     if (!QDir().mkpath(QFileInfo(path_).path()))
         qCWarning(preferencesLog).noquote() << u"the folder of %1 cannot be made"_s.arg(path_);
     keepUnreadable();
-    QSaveFile file(path_);
-    const QByteArray data = QJsonDocument(values_).toJson(QJsonDocument::Indented);
-    // Without a buffer: what a full disk did not take is seen here, and not thrown away with the buffer.
-    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                         file.setPermissions(ownerOnly) && file.write(data) == data.size() && file.commit();
+    const auto written =
+        replaceFile(path_, QJsonDocument(values_).toJson(QJsonDocument::Indented), ownerOnly);
     if (written)
         hasChanges_ = false;
     else
         qCWarning(preferencesLog).noquote()
-            << u"the preferences cannot be written: %1"_s.arg(file.errorString());
+            << u"the preferences cannot be written: %1"_s.arg(written.error());
 }
 
 void JsonUserDefaults::keepUnreadable() {

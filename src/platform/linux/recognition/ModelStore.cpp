@@ -1,12 +1,12 @@
 #include "platform/linux/recognition/ModelStore.h"
 
 #include "platform/Log.h"
+#include "platform/WholeFile.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -137,9 +137,7 @@ QByteArray ModelStore::digestOf(const QString& path) {
 }
 
 bool ModelStore::recordDigests(const QString& folder, const std::vector<ModelFile>& files) {
-    QSaveFile record(folder + u'/' + digestsName);
-    if (!record.open(QIODevice::WriteOnly))
-        return false;
+    QByteArray record;
     for (const ModelFile& file : files) {
         const QString path = folder + u'/' + file.name;
         QByteArray row = digestOf(path);
@@ -147,9 +145,9 @@ bool ModelStore::recordDigests(const QString& folder, const std::vector<ModelFil
             .append(QByteArray::number(QFileInfo(path).size()))
             .append(' ')
             .append(file.name.toUtf8());
-        record.write(row.append('\n'));
+        record.append(row.append('\n'));
     }
-    return record.commit();
+    return replaceFile(folder + u'/' + digestsName, record).has_value();
 }
 
 } // namespace velorin

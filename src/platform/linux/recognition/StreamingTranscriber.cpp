@@ -118,7 +118,8 @@ bool StreamingTranscriber::isPreviewDue() const {
     // Half of the time is left free, for the machine's other work.
     const std::size_t enough =
         std::clamp(2 * framesOfADecode_, rules_.newSpeechToDecode, rules_.mostNewSpeechToDecode);
-    return pause_ >= rules_.pauseToDecode || newSpeech_ >= enough;
+    // Within a pause there is nothing new to show, and the decode that may be the last one comes soon.
+    return pause_ >= rules_.pauseToDecode || (pause_ == 0 && newSpeech_ >= enough);
 }
 
 void StreamingTranscriber::takePreview() {

@@ -23,8 +23,8 @@ tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::funct
     orders_.isStopping = false;
     std::promise<void> preparing;
     const auto isPrepared = preparing.get_future();
-    thread_ = std::thread([this, preparing = std::move(preparing), connections = std::move(connections), handler = std::move(handler),
-                           onLost = std::move(onLost)]() mutable {
+    thread_ = std::thread([this, preparing = std::move(preparing), connections = std::move(connections),
+                           handler = std::move(handler), onLost = std::move(onLost)]() mutable {
         setUpThread("velorin-tap");
         bool isLost = false;
         {

@@ -121,6 +121,17 @@ TEST_F(StreamingTranscriberTest, PreviewsWhenEnoughIsNew) {
     EXPECT_THAT(given, SizeIs(2));
 }
 
+/// It would hold up the decode that is needed most.
+TEST_F(StreamingTranscriberTest, BeginsNoPreviewInAPauseUntilItMayBeTheEnd) {
+    speech(rules.newSpeechToDecode);
+    pause(1);
+    EXPECT_FALSE(transcriber.preview());
+    pause(rules.pauseToDecode - 2);
+    EXPECT_FALSE(transcriber.preview());
+    pause(1);
+    EXPECT_TRUE(transcriber.preview());
+}
+
 TEST_F(StreamingTranscriberTest, HasTheAnswerReadyAfterAMomentOfPause) {
     speech(rules.newSpeechToDecode);
     transcriber.preview();

@@ -132,12 +132,17 @@ TEST_F(GuardTest, EndsWithTheProgram) {
 
 TEST_F(GuardTest, SleepsWithTheTapWhileNoKeyIsPressed) {
     expectThatHoldWorks();
-    std::this_thread::sleep_for(700ms); // the guard's last question about that
-    const auto tap = voluntarySwitchesOf(subject.id());
-    const auto guard = voluntarySwitchesOf(subject.guard());
-    std::this_thread::sleep_for(3s);
-    EXPECT_EQ(voluntarySwitchesOf(subject.id()), tap);
-    EXPECT_EQ(voluntarySwitchesOf(subject.guard()), guard);
+    const auto switches = [&] {
+        return std::pair(voluntarySwitchesOf(subject.id()), voluntarySwitchesOf(subject.guard()));
+    };
+    // The guard's last question about that may come late on a busy machine.
+    bool haveSlept = false;
+    for (int round = 0; round < 5 && !haveSlept; ++round) {
+        const auto before = switches();
+        std::this_thread::sleep_for(3s);
+        haveSlept = switches() == before;
+    }
+    EXPECT_TRUE(haveSlept);
 }
 
 } // namespace
