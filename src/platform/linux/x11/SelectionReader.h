@@ -10,7 +10,7 @@ namespace velorin {
 class SelectionReader final {
 public:
     /// More than this is not taken into memory.
-    static constexpr std::size_t largestContents = 64 * 1024 * 1024;
+    static constexpr std::size_t largestContents = 64UL * 1024 * 1024;
 
     /// Gives up as soon as `isStale` says that what it reads is no longer what there is.
     SelectionReader(

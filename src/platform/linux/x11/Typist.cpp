@@ -89,7 +89,7 @@ std::optional<qsizetype> Typist::type(const QStringList& texts) {
     if (const ServerGrab grab(connection_); !makeTypable(characters, Deadline(planning)))
         return std::nullopt;
     KeyWriter keys(connection_, state_, *map_);
-    const Deadline end(timeFor(characters) + patience);
+    const Deadline end(longestTyping + patience);
     qsizetype posted = 0;
     auto next = Deadline::Clock::now();
     for (std::span<const std::u32string> rest(characters); !rest.empty();) {

@@ -22,8 +22,8 @@ public:
     static constexpr std::chrono::milliseconds pace{1};
     static constexpr std::chrono::milliseconds longestTyping{300};
     static constexpr int handful = 8;
-    /// How much longer it may take to bring what has begun to its end: half a text is the worst of all, and
-    /// whoever tries another road would bring the beginning twice.
+    /// How much longer than the longest it may take to bring what has begun to its end: half a text is the
+    /// worst of all, and whoever tries another road would bring the beginning twice.
     static constexpr std::chrono::milliseconds patience{300};
 
     /// Connections without what this takes make `type` decline.

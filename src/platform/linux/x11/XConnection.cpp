@@ -67,11 +67,12 @@ xcb_atom_t XConnection::atom(std::string_view name) {
     return entry->second;
 }
 
-std::string XConnection::atomName(xcb_atom_t atom, Deadline deadline) {
+std::string XConnection::atomName(xcb_atom_t atom, Deadline deadline) const {
     return atomNames({atom}, deadline).front();
 }
 
-std::vector<std::string> XConnection::atomNames(const std::vector<xcb_atom_t>& atoms, Deadline deadline) {
+std::vector<std::string> XConnection::atomNames(const std::vector<xcb_atom_t>& atoms,
+                                                Deadline deadline) const {
     std::vector<xcb_get_atom_name_cookie_t> cookies;
     cookies.reserve(atoms.size());
     for (const auto atom : atoms)

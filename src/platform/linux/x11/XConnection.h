@@ -45,8 +45,9 @@ public:
     /// Interned once and remembered; XCB_ATOM_NONE when the server does not answer.
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
     /// Empty for an atom that is none.
-    [[nodiscard]] std::string atomName(xcb_atom_t atom, Deadline deadline);
-    [[nodiscard]] std::vector<std::string> atomNames(const std::vector<xcb_atom_t>& atoms, Deadline deadline);
+    [[nodiscard]] std::string atomName(xcb_atom_t atom, Deadline deadline) const;
+    [[nodiscard]] std::vector<std::string> atomNames(const std::vector<xcb_atom_t>& atoms,
+                                                     Deadline deadline) const;
 
     template <typename Reply, typename Cookie>
     [[nodiscard]] XcbPtr<Reply> reply(Cookie cookie, Deadline deadline) const {
