@@ -110,16 +110,22 @@ std::optional<qsizetype> Typist::type(const QStringList& texts) {
 }
 
 bool Typist::refreshLayout(std::span<const std::u32string> characters, Deadline deadline) {
+    isStale_ = true;
     // First everything that is known of changes, so that what comes later counts as one.
     if (!connection_.sync(deadline))
         return false;
     (void)mapHasChanged();
-    map_ = KeyboardMap::read(connection_, deadline);
-    layout_.reset();
+    auto map = KeyboardMap::read(connection_, deadline);
+    std::optional<LayoutCharacters> best;
     for (auto& layout : LayoutCharacters::read(connection_, deadline))
-        if (!layout_ || missingIn(layout, characters).size() < missingIn(*layout_, characters).size())
-            layout_ = std::move(layout);
-    return map_ && layout_;
+        if (!best || missingIn(layout, characters).size() < missingIn(*best, characters).size())
+            best = std::move(layout);
+    if (!map || !best)
+        return false;
+    map_ = std::move(map);
+    layout_ = std::move(best);
+    isStale_ = false;
+    return true;
 }
 
 bool Typist::mapHasChanged() {
@@ -147,9 +153,12 @@ bool Typist::postHandful(KeyWriter& keys, std::span<const std::u32string> charac
     const auto mode = LayoutCharacters::modeOf(connection_, deadline);
     if (!mode || !keys.clearModifiers(deadline))
         return false;
-    const bool isStale = mapHasChanged() || mode->lockedModifiers != layout_->mode().lockedModifiers;
-    if (isStale && !makeTypable(rest, deadline))
+    if (mapHasChanged() || mode->lockedModifiers != layout_->mode().lockedModifiers)
+        isStale_ = true;
+    if (isStale_ && !makeTypable(rest, deadline)) {
+        isStale_ = true; // whoever tries again has to look again
         return false;
+    }
     // A layout that the user has switched to meanwhile may lack the letters: it has to wait for this moment.
     const bool isSwitched = mode->group != layout_->mode().group;
     if (isSwitched)

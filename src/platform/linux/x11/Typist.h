@@ -49,6 +49,7 @@ private:
     bool hasKeyboardExtension_ = false;
     std::optional<KeyboardMap> map_;
     std::optional<LayoutCharacters> layout_;
+    bool isStale_ = false; ///< The keyboard is another than these two tell.
 };
 
 } // namespace velorin
