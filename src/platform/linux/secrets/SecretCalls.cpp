@@ -50,22 +50,17 @@ Error forgetSession(GError* error) {
     return Error(error);
 }
 
-/// The library's connection would end the program together with the bus.
-void surviveTheBus(GCancellable* cancellable) {
-    const Ref<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
+/// The connection that the library will take, for as long as this one is kept: without our word to it, it
+/// would end the whole process when the bus goes away.
+Ref<GDBusConnection> busToOutlive(GCancellable* cancellable) {
+    Ref<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
     if (bus)
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-}
-
-/// Without this word the library's connection ends the whole process when the bus goes away.
-void outliveTheBus(GCancellable* cancellable) {
-    if (const Ref<GDBusConnection> bus{g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr)})
-        g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
+    return bus;
 }
 
 Ref<SecretService> connect(GCancellable* cancellable, Error* failure = nullptr) {
-    surviveTheBus(cancellable);
-    outliveTheBus(cancellable);
+    const auto bus = busToOutlive(cancellable);
     GError* error = nullptr;
     Ref<SecretService> service(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable, &error));
     Error kept = forgetSession(error);
