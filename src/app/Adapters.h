@@ -64,6 +64,7 @@ public:
 
 private:
     Clock& clock_;
+    LatencyMarks marks_; // before all whose threads mark stages: it goes after them
     JsonUserDefaults userDefaults_{JsonUserDefaults::defaultPath()};
     XdgFolders folders_;
     LibSecretStore secrets_;
@@ -79,7 +80,6 @@ private:
     SoxrConverterFactory audioConverters_;
     SndfileFactory audioFiles_;
     SherpaRecognition recognition_;
-    LatencyMarks marks_;
     QtHttpSession chatSession_{clock_, QtHttpSession::chat};
     QtHttpSession transcriptionSession_{clock_, QtHttpSession::transcription};
     PasswdAccount userAccount_;
