@@ -126,7 +126,8 @@ class WholeDesktop(Desktop):
         said = len(velorin.lines)
         self.user.press(HOLD)
         velorin.wait_until_listening(said)
-        self.assertEqual(velorin.end(signal.SIGTERM), 0)
+        # A model that is being loaded is loaded to its end.
+        self.assertEqual(velorin.end(signal.SIGTERM, seconds=30), 0)
         self.user.release(HOLD)
 
 
