@@ -64,6 +64,8 @@ bool PasteService::insert(const QString& text, const std::optional<RunningApplic
     // The look before the one at which the content may come back tells whether the target is still reading:
     // some read twice.
     lookLater(selection, restoreDelay - lookInterval);
+    if (paste->isPage)
+        stirLater(selection);
     return true;
 }
 
@@ -127,6 +129,13 @@ void PasteService::look(PasteboardSelection selection) {
         finish(selection, read > 0);
     else
         lookLater(selection, lookInterval);
+}
+
+void PasteService::stirLater(PasteboardSelection selection) {
+    pasteOf(selection)->nextStir = clock_.after(stirInterval, [this, selection] {
+        pasteboard_.stirReaders(selection);
+        stirLater(selection);
+    });
 }
 
 std::chrono::milliseconds PasteService::quietFor(const Paste& paste, std::ptrdiff_t readings) {

@@ -36,6 +36,9 @@ public:
     /// How long a second paste waits for the application to read the text of the first one.
     static constexpr std::chrono::milliseconds earlierPasteDeadline{300};
     static constexpr std::chrono::milliseconds lookInterval{100};
+    /// How often the browser of a page is woken until the content has come back: its reading goes from one
+    /// part of it to another, and now and then it sleeps over an answer until the server has something else.
+    static constexpr std::chrono::milliseconds stirInterval{40};
     /// How long a page must have read nothing more: it reads at least twice as a rule, and once in some
     /// fields.
     static constexpr std::chrono::milliseconds pageQuiet{1000};
@@ -82,6 +85,7 @@ private:
         std::chrono::milliseconds quiet{0}; ///< Since the target read it.
         std::ptrdiff_t knownReadings = 0;
         Subscription nextLook;
+        Subscription nextStir;
     };
 
     /// What a copy has brought, for the thread that makes it and the one that waits for it.
@@ -120,6 +124,7 @@ private:
               std::chrono::milliseconds timeout, std::chrono::steady_clock::time_point end, Copied& read);
     void lookLater(PasteboardSelection selection, std::chrono::milliseconds delay);
     void look(PasteboardSelection selection);
+    void stirLater(PasteboardSelection selection);
     void finish(PasteboardSelection selection, bool read);
 
     Pasteboard& pasteboard_;

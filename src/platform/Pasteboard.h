@@ -75,6 +75,10 @@ public:
     [[nodiscard]] virtual std::optional<QString> read(PasteboardSelection selection,
                                                       std::chrono::milliseconds deadline) = 0;
 
+    /// Gives whoever has asked for what we wrote last a reason to wake up. Some programs fall asleep over an
+    /// answer that has reached them already. Does not wait.
+    virtual void stirReaders(PasteboardSelection selection) = 0;
+
     /// Who has read our text since the last `write`, in order, also when it is no longer there.
     [[nodiscard]] virtual std::vector<PasteboardFetch> fetches(PasteboardSelection selection) = 0;
 

@@ -128,6 +128,26 @@ TEST_F(PasteServiceTest, WaitsUntilAPageReadsNoMore) {
     EXPECT_EQ(unverified, 0);
 }
 
+TEST_F(PasteServiceTest, KeepsThePagesBrowserAwakeUntilTheContentHasComeBack) {
+    auto browser = *target;
+    browser.kin = u"com.google.Chrome"_s;
+    EXPECT_TRUE(paste.insert(u"hello"_s, browser));
+    clock.advance(120ms);
+    EXPECT_EQ(pasteboard.calls.count(u"stir clipboard"_s), 3);
+    targetReads();
+    targetReads();
+    clock.advance(2000ms);
+    EXPECT_THAT(pasteboard.restored, SizeIs(1));
+    EXPECT_EQ(pasteboard.calls.last(), u"restore clipboard"_s);
+    EXPECT_EQ(clock.waiting(), 0u);
+}
+
+TEST_F(PasteServiceTest, LeavesProgramsAloneThatReadInOneGo) {
+    EXPECT_TRUE(paste.insert(u"hello"_s, target));
+    clock.advance(600ms);
+    EXPECT_EQ(pasteboard.calls.count(u"stir clipboard"_s), 0);
+}
+
 TEST_F(PasteServiceTest, ReadingOnceIsEnoughForSomeFieldsOfABrowser) {
     auto browser = *target;
     browser.kin = u"com.google.Chrome"_s;

@@ -49,6 +49,7 @@ public:
         note("read", selection);
         return text;
     }
+    void stirReaders(PasteboardSelection selection) override { note("stir", selection); }
     std::vector<PasteboardFetch> fetches(PasteboardSelection) override { return fetched; }
     bool awaitFetch(PasteboardSelection selection, std::size_t, std::chrono::milliseconds) override {
         note("awaitFetch", selection);

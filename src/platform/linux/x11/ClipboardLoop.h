@@ -30,6 +30,7 @@ public:
     [[nodiscard]] std::optional<quint64> write(PasteboardSelection selection, const QString& text);
     bool restore(PasteboardSelection selection, const PasteboardContents& contents, quint64 expected);
     [[nodiscard]] quint64 changeCount(PasteboardSelection selection);
+    void stirReaders(PasteboardSelection selection) { stateOf(selection).offer->stirRequestors(); }
 
     /// What we still own goes to the clipboard manager, if there is one.
     void handOver();

@@ -61,6 +61,21 @@ void SelectionOffer::ownerChanged(xcb_window_t owner) {
         offer_.reset();
 }
 
+void SelectionOffer::stirRequestors() {
+    if (!offer_)
+        return;
+    xcb_client_message_event_t nothing{};
+    nothing.response_type = XCB_CLIENT_MESSAGE;
+    nothing.format = 32;
+    nothing.type = atom("_VELORIN_STIR");
+    for (const auto requestor : offer_->requestors) {
+        nothing.window = requestor;
+        xcb_send_event(connection_, false, requestor, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&nothing));
+    }
+    xcb_flush(connection_);
+}
+
 const PasteboardContents& SelectionOffer::contents() const {
     static const PasteboardContents nothing;
     return offer_ ? offer_->contents : nothing;
@@ -92,6 +107,8 @@ void SelectionOffer::answer(const xcb_selection_request_event_t& request) {
     // Old clients leave the property out and mean one named like the target.
     const auto property = request.property == XCB_ATOM_NONE ? request.target : request.property;
     const bool isCurrent = offer_ && (request.time == XCB_CURRENT_TIME || request.time >= offer_->since);
+    if (isCurrent && offer_->countsFetches)
+        offer_->requestors.insert(request.requestor);
     const bool isDone = isCurrent && (request.target == atom("MULTIPLE")
                                           ? convertMultiple(request.requestor, property)
                                           : convert(request.requestor, request.target, property));

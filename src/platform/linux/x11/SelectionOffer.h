@@ -6,6 +6,7 @@
 #include "platform/linux/x11/XEventLoop.h"
 
 #include <map>
+#include <set>
 
 namespace velorin {
 
@@ -25,6 +26,9 @@ public:
     /// before it has told of us is older than our taking.
     void ownerChanged(xcb_window_t owner);
 
+    /// Sends an event that means nothing to each of those who have asked for what is offered.
+    void stirRequestors();
+
     [[nodiscard]] bool isOwner() const { return offer_ != nullptr; }
     [[nodiscard]] xcb_window_t window() const { return window_; }
     [[nodiscard]] const PasteboardContents& contents() const;
@@ -33,6 +37,7 @@ private:
     struct Offer {
         PasteboardContents contents;
         std::map<xcb_atom_t, const PasteboardEntry*> entries;
+        std::set<xcb_window_t> requestors;
         xcb_timestamp_t since = XCB_CURRENT_TIME;
         bool countsFetches = false;
         bool isConfirmed = false;

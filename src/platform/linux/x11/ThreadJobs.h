@@ -41,6 +41,14 @@ public:
             job->state = Job::State::abandoned;
         return job->state == Job::State::done;
     }
+    /// Any thread. Does not wait for it, nor tell whether it came about.
+    void post(std::function<void(Loop&)> work) {
+        const std::scoped_lock lock(mutex_);
+        if (!isOpen_)
+            return;
+        jobs_.emplace_back(std::make_shared<Job>())->work = std::move(work);
+        wakeUp_.wake();
+    }
     /// Any thread: the loop shall end.
     void stop() {
         {

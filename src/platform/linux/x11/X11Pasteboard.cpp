@@ -112,6 +112,10 @@ std::optional<QString> X11Pasteboard::read(PasteboardSelection selection,
     return isDone ? std::move(*result) : std::nullopt;
 }
 
+void X11Pasteboard::stirReaders(PasteboardSelection selection) {
+    jobs_.post([=](ClipboardLoop& loop) { loop.stirReaders(selection); });
+}
+
 std::vector<PasteboardFetch> X11Pasteboard::fetches(PasteboardSelection selection) {
     const std::scoped_lock lock(fetchesMutex_);
     return fetches_[indexOf(selection)];

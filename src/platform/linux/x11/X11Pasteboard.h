@@ -32,6 +32,7 @@ public:
     [[nodiscard]] quint64 changeCount(PasteboardSelection selection) override;
     [[nodiscard]] std::optional<QString> read(PasteboardSelection selection,
                                               std::chrono::milliseconds deadline) override;
+    void stirReaders(PasteboardSelection selection) override;
     [[nodiscard]] std::vector<PasteboardFetch> fetches(PasteboardSelection selection) override;
     [[nodiscard]] bool awaitFetch(PasteboardSelection selection, std::size_t known,
                                   std::chrono::milliseconds deadline) override;

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/X11Pasteboard.h"
 
+#include "platform/linux/x11/XEventLoop.h"
+
 #include "tests/platform/linux/x11/support/PrivateServer.h"
 #include "tests/platform/linux/x11/support/TestOwner.h"
 #include "tests/platform/linux/x11/support/Xclip.h"
@@ -215,6 +217,36 @@ TEST_F(X11PasteboardTest, DoesNotCountQuestionsAndMarksAsFetches) {
     EXPECT_TRUE(readWithXclip(u"clipboard"_s, u"x-kde-passwordManagerHint"_s));
     EXPECT_TRUE(pasteboard.fetches(clipboard).empty());
     EXPECT_FALSE(pasteboard.awaitFetch(clipboard, 0, 10ms));
+}
+
+TEST_F(X11PasteboardTest, StirsThoseWhoHaveAskedForTheText) {
+    const auto reader = XConnection::open();
+    ASSERT_TRUE(reader);
+    XEventLoop loop(*reader);
+    int stirred = 0;
+    bool isAnswered = false;
+    const auto listening = loop.listen([&](const xcb_generic_event_t& event) {
+        stirred += typeOf(event) == XCB_CLIENT_MESSAGE;
+        isAnswered = isAnswered || typeOf(event) == XCB_SELECTION_NOTIFY;
+    });
+    ASSERT_TRUE(pasteboard.write(clipboard, u"text"_s));
+    pasteboard.stirReaders(clipboard);
+    EXPECT_TRUE(pasteboard.changeCount(clipboard)) << "done behind the stirring";
+    EXPECT_TRUE(loop.catchUp(Deadline(5s)));
+    EXPECT_EQ(stirred, 0) << "has not asked yet";
+
+    xcb_convert_selection(reader->get(), loop.window(), reader->atom("CLIPBOARD"), reader->atom("TARGETS"),
+                          reader->atom("_ANSWER"), XCB_CURRENT_TIME);
+    ASSERT_TRUE(loop.waitFor([&] { return isAnswered; }, Deadline(5s)));
+    pasteboard.stirReaders(clipboard);
+    EXPECT_TRUE(loop.waitFor([&] { return stirred == 1; }, Deadline(5s)));
+
+    // A text of its own later, the asking is to be done again.
+    ASSERT_TRUE(pasteboard.write(clipboard, u"another text"_s));
+    pasteboard.stirReaders(clipboard);
+    EXPECT_TRUE(pasteboard.changeCount(clipboard));
+    EXPECT_TRUE(loop.catchUp(Deadline(5s)));
+    EXPECT_EQ(stirred, 1);
 }
 
 TEST_F(X11PasteboardTest, KnowsTheClipboardManager) {
