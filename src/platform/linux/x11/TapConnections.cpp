@@ -3,6 +3,7 @@
 #include "platform/linux/x11/InputSelection.h"
 #include "platform/linux/x11/XkbRequests.h"
 
+#include <algorithm>
 #include <optional>
 #include <poll.h>
 #include <xcb/xinput.h>
@@ -37,14 +38,15 @@ bool TapConnections::setUp() {
     if (!hasInput22(*grabs_) || !hasInput22(*raw_) || !grabs_->extension(xcb_test_id))
         return false;
     opcode_ = grabs_->extension(xcb_input_id)->major_opcode;
+    firstInputEvent_ = grabs_->extension(xcb_input_id)->first_event;
     // Only on the one that sets locks: a connection that speaks this extension is told of changes of the map
     // in other ways than the one by which we are told.
     if (grabs_->extension(xcb_xkb_id))
         (void)grabs_->reply<xcb_xkb_use_extension_reply_t>(xcb_xkb_use_extension(grabs_->get(), 1, 0),
                                                            Deadline(patience));
-    selectInput(*raw_, XCB_INPUT_DEVICE_ALL_MASTER,
-                XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
-    selectInput(*raw_, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
+    selectInput(*raw_, XCB_INPUT_DEVICE_ALL,
+                XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE |
+                    XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
     return readDevices() && raw_->sync(Deadline(patience));
 }
 
@@ -54,14 +56,19 @@ bool TapConnections::readDevices() {
     if (!devices)
         return false;
     syntheticDevices_.clear();
+    masterKeyboards_.clear();
+    for (auto& releases : ownReleases_)
+        releases.clear(); // a device that has gone tells nothing more, and its number goes to another
     masterKeyboard_ = 0;
     for (auto infos = xcb_input_xi_query_device_infos_iterator(devices.get()); infos.rem > 0;
          xcb_input_xi_device_info_next(&infos)) {
         const auto& info = *infos.data;
         const std::string_view name(xcb_input_xi_device_info_name(&info),
                                     static_cast<std::size_t>(xcb_input_xi_device_info_name_length(&info)));
-        if (info.type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD && masterKeyboard_ == 0)
-            masterKeyboard_ = info.deviceid;
+        if (info.type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD) {
+            masterKeyboards_.insert(info.deviceid);
+            masterKeyboard_ = masterKeyboard_ == 0 ? info.deviceid : masterKeyboard_;
+        }
         if (name.ends_with("XTEST keyboard"))
             syntheticDevices_.insert(info.deviceid);
     }
@@ -98,7 +105,10 @@ bool TapConnections::read(std::deque<TapKey>& grabbedKeys, std::deque<TapKey>& r
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(raw_->get())}) {
         const int type = event->response_type & 0x7f;
         if (const auto key = keyIn(*event)) {
-            rawKeys.push_back(*key);
+            hear(*key,
+                 !masterKeyboards_.contains(
+                     reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event).deviceid),
+                 rawKeys);
         } else if (type == XCB_MAPPING_NOTIFY) {
             isChanged = true;
         } else if (type == XCB_GE_GENERIC &&
@@ -153,6 +163,44 @@ void TapConnections::step(std::size_t keys) const {
 void TapConnections::post(bool isPress, xcb_keycode_t key) const {
     xcb_test_fake_input(grabs_->get(), isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
                         XCB_WINDOW_NONE, 0, 0, 0);
+}
+
+void TapConnections::postRelease(const TapKey& press, xcb_keycode_t marker) {
+    if (syntheticDevices_.contains(press.source)) {
+        post(false, press.key);
+        return;
+    }
+    for (auto& releases : ownReleases_)
+        releases.add(press.source, marker, press.key);
+    for (const auto key : {marker, press.key})
+        xcb_test_fake_input(grabs_->get(),
+                            static_cast<std::uint8_t>(firstInputEvent_ + XCB_INPUT_DEVICE_KEY_RELEASE), key,
+                            XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, static_cast<std::uint8_t>(press.source));
+}
+
+bool TapConnections::OwnReleases::take(const TapKey& heard) {
+    if (heard.isPress || releases_.empty() || releases_.front().device != heard.source)
+        return false;
+    auto& next = releases_.front();
+    if (!next.isNext && heard.key == next.marker) {
+        next.isNext = true;
+        return true;
+    }
+    if (!next.isNext || heard.key != next.key)
+        return false;
+    releases_.pop_front();
+    return true;
+}
+
+void TapConnections::hear(TapKey key, bool isAtOnce, std::deque<TapKey>& rawKeys) {
+    key.isOurs = ownReleases_[isAtOnce ? 1 : 0].take(key);
+    (isAtOnce ? heardAtOnce_ : rawKeys).push_back(key);
+    if (isSynthetic(key))
+        return;
+    auto& toCome = toCome_[key.isPress ? 1 : 0][key.key];
+    toCome = std::max(toCome + (isAtOnce ? 1 : -1), 0);
+    if (isAtOnce)
+        userDownByNow_[key.key] = key.isPress;
 }
 
 void TapConnections::hold() const {

@@ -120,13 +120,15 @@ void TapLoop::wait() {
 }
 
 bool TapLoop::comeBack() {
-    process(); // what was still heard
+    auto fresh = TapConnections::open();
+    process(); // what was heard until there is somebody else to hear
+    if (connections_->raw().isBroken())
+        released_.reset();
     grabs_.reset();
-    connections_.reset();
+    connections_ = std::move(fresh);
     grabbedKeys_.clear();
     heardKeys_.clear();
     reposted_.clear();
-    connections_ = TapConnections::open();
     if (!connections_) {
         qCWarning(tapLog) << "the connection to the X server was lost";
         return false;
@@ -160,6 +162,7 @@ void TapLoop::process() {
         } else if (isMapOld_) {
             readMap();
         } else {
+            connections_->nothingIsToCome();
             return;
         }
     }
@@ -172,10 +175,12 @@ void TapLoop::readMap() {
     regrab();
 }
 
+void TapLoop::readAll() { isMapOld_ = connections_->read(grabbedKeys_, heardKeys_) || isMapOld_; }
+
 void TapLoop::read() {
     // Each change from the user's keys to ours and back is told as a change of the map: no key waits for
     // that.
-    isMapOld_ = connections_->read(grabbedKeys_, heardKeys_) || isMapOld_;
+    readAll();
     // The end of a grab whose press was passed on or swallowed: nobody waits for it.
     while (!grabbedKeys_.empty() && !grabbedKeys_.front().isPress)
         grabbedKeys_.pop_front();
@@ -183,8 +188,10 @@ void TapLoop::read() {
 
 void TapLoop::hear(const TapKey& heard) {
     const bool isUsers = !connections_->isSynthetic(heard);
-    if (isUsers)
+    if (isUsers) {
         userDown_[heard.key] = heard.isPress;
+        released_.reset(heard.key);
+    }
     if (!heard.isPress) {
         // Ours counts where we had to repeat what the user had long done.
         if (isUsers || !userDown_[heard.key])
@@ -250,12 +257,16 @@ void TapLoop::hearRelease(xcb_keycode_t key) {
         tellRelease(key);
 }
 
-bool TapLoop::isPressedAgain(xcb_keycode_t key) {
-    (void)connections_->raw().sync(Deadline(serverDeadline)); // the press may be on its way
+bool TapLoop::isPressedAgain(xcb_keycode_t key) { return didUserByNow(true, key); }
+
+bool TapLoop::isReleasedByNow(xcb_keycode_t key) { return didUserByNow(false, key); }
+
+bool TapLoop::didUserByNow(bool isPress, xcb_keycode_t key) {
+    (void)connections_->raw().sync(Deadline(serverDeadline)); // it may be on its way
     read();
-    return std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
-        return later.key == key && later.isPress && !connections_->isSynthetic(later);
-    });
+    return connections_->isToCome(isPress, key) || std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
+               return later.key == key && later.isPress == isPress && !connections_->isSynthetic(later);
+           });
 }
 
 void TapLoop::undoGift(xcb_keycode_t key) {
@@ -291,7 +302,8 @@ void TapLoop::answer(const TapKey& press) {
 void TapLoop::passModifier(const TapKey& press) {
     // Replayed, it would arrive as if it had been held already when it was pressed.
     grabs_->releaseModifier(press.key);
-    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
+    Untangler untangler(
+        *connections_, shared_, grabbedKeys_, [this] { readAll(); }, markerKey(press.key));
     expectAgain(untangler.run(press));
     if (isBoundKeyDown()) // the next press of it may be hidden again
         grabs_->grabModifiers(modifierKeys(keys_));
@@ -322,15 +334,21 @@ void TapLoop::swallow(const TapKey& press) {
     }
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
-    Untangler untangler(*connections_, shared_, grabbedKeys_, markerKey(press.key));
+    Untangler untangler(
+        *connections_, shared_, grabbedKeys_, [this] { readAll(); }, markerKey(press.key));
     // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
     const bool isSuperDown = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
     if (const auto company = isSuperDown ? map_->neutralKey() : std::nullopt) {
         expectAgain(untangler.swallowInCompany(press, *company));
         return;
     }
+    if (isReleasedByNow(press.key)) { // one of ours could end another press behind it
+        expectAgain(untangler.runAfterSwallowing(press, std::nullopt));
+        return;
+    }
     connections_->step();
-    connections_->post(false, press.key);
+    connections_->postRelease(press, markerKey(press.key));
+    released_.set(press.key, !connections_->isSynthetic(press));
     connections_->grabs().flush();
     // Mostly that release is all that comes, and it has ended the grab.
     const auto first = connections_->nextGrabbed(grabbedKeys_);
@@ -354,21 +372,14 @@ void TapLoop::expectAgain(const std::vector<TapKey>& keys) {
 }
 
 void TapLoop::undoGiftsOfNow() {
-    const auto held = userDownByNow();
-    for (unsigned key = 0; key < 256; ++key) // what came up while it was posted anew
-        if (shared_->keys[key] == KeyState::givenBack && !held[key])
-            undoGift(static_cast<xcb_keycode_t>(key));
-    connections_->grabs().flush();
-}
-
-KeySet TapLoop::userDownByNow() {
     (void)connections_->raw().sync(Deadline(serverDeadline));
     read();
-    auto held = userDown_;
-    for (const auto& key : heardKeys_)
-        if (!connections_->isSynthetic(key))
-            held[key.key] = key.isPress;
-    return held;
+    for (unsigned code = 0; code < 256; ++code) { // what came up while it was posted anew
+        const auto key = static_cast<xcb_keycode_t>(code);
+        if (shared_->keys[key] == KeyState::givenBack && !connections_->userDownByNow()[key])
+            undoGift(key);
+    }
+    connections_->grabs().flush();
 }
 
 TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
@@ -400,7 +411,9 @@ void TapLoop::reconcile() {
     const auto held = keysHeldByUser(connections_->grabs(), Deadline(serverDeadline));
     if (!held)
         return;
-    userDown_ = *held;
+    // A device that we released a key on tells of it as up; whether the user let go of it was heard.
+    userDown_ = *held | (released_ & userDown_);
+    connections_->assumeUserDown(userDown_);
     bool isOutOfStep = false;
     const auto believed = down_;
     for (const auto& [key, code] : believed) {

@@ -43,8 +43,8 @@ public:
     /// From its end on no press of a tapped key is missed.
     void prepare();
 
-    /// After `prepare`. Until it is stopped: true. False when the server is gone for good. A connection that somebody else
-    /// ended, like the guard while the process was stopped, is made anew.
+    /// After `prepare`. Until it is stopped: true. False when the server is gone for good. A connection that
+    /// somebody else ended, like the guard while the process was stopped, is made anew.
     [[nodiscard]] bool run();
 
 private:
@@ -55,13 +55,15 @@ private:
     [[nodiscard]] bool comeBack();
 
     void process();
+    void readAll();
     void read();
     void readMap();
     void hear(const TapKey& heard);
     void hearRelease(xcb_keycode_t key);
     [[nodiscard]] bool isPressedAgain(xcb_keycode_t key);
+    [[nodiscard]] bool isReleasedByNow(xcb_keycode_t key);
+    [[nodiscard]] bool didUserByNow(bool isPress, xcb_keycode_t key);
     void undoGift(xcb_keycode_t key);
-    [[nodiscard]] KeySet userDownByNow();
     [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
     [[nodiscard]] std::optional<TapKey> takeGrabbedAgain(xcb_keycode_t key);
     [[nodiscard]] std::optional<TapKey> takeGrabbedIf(const std::function<bool(const TapKey&)>& isWanted);
@@ -100,7 +102,8 @@ private:
 
     KeySet userDown_;                             ///< On the keyboards that people press.
     std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
-    KeySet hidden_;                               ///< Modifiers that were swallowed and are still held.
+    KeySet released_; ///< Swallowed, and released by us on the keyboard on which they were pressed.
+    KeySet hidden_;   ///< Modifiers that were swallowed and are still held.
     /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.
     KeySet seemDown_;
 };

@@ -1,16 +1,23 @@
 #include "platform/linux/x11/Untangler.h"
 
+#include <poll.h>
+
 namespace velorin {
 
 namespace {
 /// Both of them come for certain, so both can be asked for at once; every question that is waited for by
 /// itself holds up the keyboard by a round trip.
 constexpr std::size_t keysOfMarker = 2;
+/// After which what should be here is asked for.
+constexpr std::chrono::milliseconds soon{5};
 } // namespace
 
 Untangler::Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
-                     xcb_keycode_t marker)
-    : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), marker_(marker) {
+                     std::function<void()> listen, xcb_keycode_t marker)
+    : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), listen_(std::move(listen)),
+      marker_(marker) {
+    connections_.forgetHeardAtOnce();
+
     for (std::size_t key = 0; key < ours_.size(); ++key)
         ours_[key] = shared_->keys[key] != 0;
 }
@@ -115,17 +122,61 @@ void Untangler::post(bool isPress, xcb_keycode_t key) {
     if (isPress) {
         // A key that the user let go of is still down on our device, which could not press it again.
         if (ours_[key])
-            connections_.post(false, key);
+            send(false, key);
         shared_->keys[key] = KeyState::givenBack;
     }
     ours_[key] = isPress;
+    send(isPress, key);
+}
+
+void Untangler::send(bool isPress, xcb_keycode_t key) {
     connections_.post(isPress, key);
+    posted_.push_back({isPress, key});
 }
 
 void Untangler::postMarker() {
+    posted_.clear();
     shared_->keys[marker_] = KeyState::posted;
-    connections_.post(true, marker_);
-    connections_.post(false, marker_);
+    send(true, marker_);
+    send(false, marker_);
+}
+
+std::size_t Untangler::endOfPosts() const {
+    auto heard = heard_;
+    for (const auto& post : posted_) {
+        const auto isHeard = [&] {
+            const auto& key = connections_.heardAtOnce()[heard];
+            return key.key == post.key && key.isPress == post.isPress && connections_.isSynthetic(key);
+        };
+        while (heard < connections_.heardAtOnce().size() && !isHeard())
+            ++heard;
+        if (heard == connections_.heardAtOnce().size())
+            return 0;
+        ++heard;
+    }
+    return heard;
+}
+
+void Untangler::listenToPosts() {
+    // It was sent along with what has come round, so it is here, or will be in a moment.
+    const Deadline deadline(soon);
+    for (listen_(); endOfPosts() == 0 && !deadline.hasPassed(); listen_()) {
+        pollfd waiting{connections_.raw().fileDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, deadline.pollTimeout());
+    }
+    if (endOfPosts() == 0) {
+        (void)connections_.raw().sync(Deadline(serverDeadline));
+        listen_();
+    }
+}
+
+bool Untangler::catchWhatWasHeard() {
+    const auto known = caught_.size();
+    const auto end = endOfPosts() == 0 ? connections_.heardAtOnce().size() : endOfPosts();
+    for (; heard_ < end; ++heard_)
+        if (!connections_.isSynthetic(connections_.heardAtOnce()[heard_]))
+            caught_.push_back(connections_.heardAtOnce()[heard_]);
+    return caught_.size() != known;
 }
 
 void Untangler::note(const TapKey& key) {
@@ -152,9 +203,14 @@ void Untangler::takeAll(bool isFirst) {
     ask(keysOfMarker);
     while (const auto key = takeBeforeMarkerEnds()) {
         note(*key);
-        if (isFirst || !connections_.isSynthetic(*key))
+        if (isFirst)
             caught_.push_back(*key);
     }
+    listenToPosts();
+    if (isFirst)
+        heard_ = endOfPosts() == 0 ? connections_.heardAtOnce().size() : endOfPosts();
+    else
+        (void)catchWhatWasHeard();
 }
 
 bool Untangler::tryToRepeat() {
@@ -164,17 +220,13 @@ bool Untangler::tryToRepeat() {
         post(key.isPress, key.key);
     // Each change comes, by us or by the user just before us. No more: what follows the marker must not come.
     ask(changes + keysOfMarker);
-    bool isQuiet = true;
-    while (const auto key = takeBeforeMarkerEnds()) {
+    while (const auto key = takeBeforeMarkerEnds())
         note(*key);
-        if (!connections_.isSynthetic(*key)) {
-            caught_.push_back(*key);
-            isQuiet = false;
-        }
-    }
-    if (isQuiet)
-        letGo();
-    return isQuiet;
+    listenToPosts();
+    if (catchWhatWasHeard())
+        return false;
+    letGo();
+    return true;
 }
 
 } // namespace velorin

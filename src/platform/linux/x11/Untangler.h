@@ -7,21 +7,26 @@
 /// what they were, a marker, and what the user did is done once more. When the marker comes round and the
 /// user did nothing meanwhile, the keyboard is let go of right there: what we post the second time goes its
 /// usual way. If the user did something, that is taken in and it begins again.
+///
+/// What the user does from the first marker on is taken from what is heard at once, not from what is handed
+/// out: the server hands out no press of a key that we have down for the moment, no release of one that we
+/// have up, and what falls among our keys would come before them or after them.
 #pragma once
 
 #include "platform/linux/x11/KeyboardMap.h"
 #include "platform/linux/x11/SharedKeyState.h"
 #include "platform/linux/x11/TapConnections.h"
 
+#include <functional>
 #include <map>
 
 namespace velorin {
 
 class Untangler final {
 public:
-    /// The marker is a key that is up and means nothing.
+    /// The marker is a key that is up and means nothing. `listen` has the connections read what has arrived.
     Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
-              xcb_keycode_t marker);
+              std::function<void()> listen, xcb_keycode_t marker);
 
     /// For a press that waits and is to arrive as a press of its own. Gives what was put in again: the keys
     /// of it that are down are held by our device from now on, in the user's stead.
@@ -41,6 +46,7 @@ private:
     [[nodiscard]] std::optional<TapKey> takeBeforeMarkerEnds();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
     void post(bool isPress, xcb_keycode_t key);
+    void send(bool isPress, xcb_keycode_t key);
     void postMarker();
     void note(const TapKey& key);
     std::size_t undo();
@@ -50,14 +56,22 @@ private:
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();
     [[nodiscard]] std::vector<TapKey> repeat();
+    void listenToPosts();
+    /// Behind the last of what we posted from the marker on; 0 as long as not all of it is heard.
+    [[nodiscard]] std::size_t endOfPosts() const;
+    /// True if the user did something among it.
+    bool catchWhatWasHeard();
     void hold();
     void letGo();
 
     TapConnections& connections_;
     SharedKeyState& shared_;
     std::deque<TapKey>& grabbedKeys_;
+    std::function<void()> listen_;
     xcb_keycode_t marker_;
-    std::size_t asked_ = 0; ///< Keys that the server has yet to hand out.
+    std::vector<TapKey> posted_; ///< From the last marker on.
+    std::size_t heard_ = 0;      ///< How much of what is heard is looked at.
+    std::size_t asked_ = 0;      ///< Keys that the server has yet to hand out.
     /// What became of a key since the keyboard waits, by the user's doing and by ours.
     struct Change {
         bool wasDown = false;
