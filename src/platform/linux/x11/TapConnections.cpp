@@ -195,11 +195,9 @@ bool TapConnections::OwnReleases::take(const TapKey& heard) {
 void TapConnections::hear(TapKey key, bool isAtOnce, std::deque<TapKey>& rawKeys) {
     key.isOurs = ownReleases_[isAtOnce ? 1 : 0].take(key);
     (isAtOnce ? heardAtOnce_ : rawKeys).push_back(key);
-    if (isSynthetic(key))
-        return;
     auto& toCome = toCome_[key.isPress ? 1 : 0][key.key];
     toCome = std::max(toCome + (isAtOnce ? 1 : -1), 0);
-    if (isAtOnce)
+    if (isAtOnce && !isSynthetic(key))
         userDownByNow_[key.key] = key.isPress;
 }
 

@@ -50,7 +50,7 @@ public:
     /// What was heard at once, since it was forgotten last.
     [[nodiscard]] const std::deque<TapKey>& heardAtOnce() const { return heardAtOnce_; }
     void forgetHeardAtOnce() { heardAtOnce_.clear(); }
-    /// Whether the user has pressed the key, or let go of it, though its turn has not come. As of the last
+    /// Whether the user or we have pressed the key, or released it, and its turn has not come. As of the last
     /// reading.
     [[nodiscard]] bool isToCome(bool isPress, xcb_keycode_t key) const {
         return toCome_[isPress ? 1 : 0][key] > 0;

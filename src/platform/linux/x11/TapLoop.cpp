@@ -15,6 +15,9 @@ namespace {
 constexpr std::array<std::uint16_t, 9> modifierCodes{54, 55, 56, 58, 59, 60, 61, 62, 63};
 constexpr std::array<std::uint16_t, 2> superCodes{54, 55};
 
+/// Nobody presses a key again at the very end of it.
+constexpr std::chrono::milliseconds typingPause{100};
+
 KeySet modifierKeys(const TapKeys& keys) {
     KeySet set;
     for (const auto code : modifierCodes)
@@ -112,7 +115,11 @@ void TapLoop::wait() {
                                    {connections_->raw().fileDescriptor(), POLLIN, 0},
                                    {orders_.wakeUp.fileDescriptor(), POLLIN, 0},
                                    {guard_.fileDescriptor(), POLLIN, 0}}};
-    poll(waiting.data(), waiting.size(), -1);
+    // What the user has let go of is up for everybody, though our device still holds it. To release that at
+    // once could end the next press of it, while somebody types.
+    const bool isToUndo = outlivedRepetitions().any();
+    if (poll(waiting.data(), waiting.size(), isToUndo ? static_cast<int>(typingPause.count()) : -1) == 0)
+        undoOutlivedRepetitions();
     if (waiting[2].revents != 0)
         orders_.wakeUp.clear();
     if (waiting[3].revents != 0 && !guard_.startAgain())
@@ -251,22 +258,22 @@ bool TapLoop::noteReposted(xcb_keycode_t key) {
 
 void TapLoop::hearRelease(xcb_keycode_t key) {
     // A gift may be younger than what is only heard now: then it is for a press that is still to be heard.
-    if (shared_->keys[key] == KeyState::givenBack && !isPressedAgain(key))
+    if (shared_->keys[key] == KeyState::givenBack && !repeated_[key] && !isPressedAgain(key))
         undoGift(key);
     if (down_.contains(key))
         tellRelease(key);
 }
 
-bool TapLoop::isPressedAgain(xcb_keycode_t key) { return didUserByNow(true, key); }
+bool TapLoop::isPressedAgain(xcb_keycode_t key) {
+    return isToCome(true, key) || std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
+               return later.key == key && later.isPress && !connections_->isSynthetic(later);
+           });
+}
 
-bool TapLoop::isReleasedByNow(xcb_keycode_t key) { return didUserByNow(false, key); }
-
-bool TapLoop::didUserByNow(bool isPress, xcb_keycode_t key) {
+bool TapLoop::isToCome(bool isPress, xcb_keycode_t key) {
     (void)connections_->raw().sync(Deadline(serverDeadline)); // it may be on its way
     read();
-    return connections_->isToCome(isPress, key) || std::ranges::any_of(heardKeys_, [&](const TapKey& later) {
-               return later.key == key && later.isPress == isPress && !connections_->isSynthetic(later);
-           });
+    return connections_->isToCome(isPress, key);
 }
 
 void TapLoop::undoGift(xcb_keycode_t key) {
@@ -336,13 +343,15 @@ void TapLoop::swallow(const TapKey& press) {
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
     Untangler untangler(
         *connections_, shared_, grabbedKeys_, [this] { readAll(); }, markerKey(press.key));
+    // Where it is released already, a release of ours would end another press behind it.
+    const bool isReleased = isToCome(false, press.key);
     // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
     const bool isSuperDown = map_ && (press.modifiers & superState(keys_, *map_)) != 0;
     if (const auto company = isSuperDown ? map_->neutralKey() : std::nullopt) {
-        expectAgain(untangler.swallowInCompany(press, *company));
+        expectAgain(untangler.swallowInCompany(press, *company, isReleased));
         return;
     }
-    if (isReleasedByNow(press.key)) { // one of ours could end another press behind it
+    if (isReleased) {
         expectAgain(untangler.runAfterSwallowing(press, std::nullopt));
         return;
     }
@@ -365,21 +374,26 @@ xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {
 }
 
 void TapLoop::expectAgain(const std::vector<TapKey>& keys) {
-    for (const auto& key : keys)
+    for (const auto& key : keys) {
+        repeated_.set(key.key, key.isPress);
         if (key.isPress && grabs_->isGrabbed(key.key))
             ++reposted_[key.key];
-    undoGiftsOfNow();
+    }
 }
 
-void TapLoop::undoGiftsOfNow() {
-    (void)connections_->raw().sync(Deadline(serverDeadline));
-    read();
-    for (unsigned code = 0; code < 256; ++code) { // what came up while it was posted anew
-        const auto key = static_cast<xcb_keycode_t>(code);
-        if (shared_->keys[key] == KeyState::givenBack && !connections_->userDownByNow()[key])
+KeySet TapLoop::outlivedRepetitions() const {
+    KeySet keys;
+    for (unsigned key = 0; key < 256; ++key)
+        keys[key] = repeated_[key] && shared_->keys[key] == KeyState::givenBack &&
+                    !connections_->userDownByNow()[key];
+    return keys;
+}
+
+void TapLoop::undoOutlivedRepetitions() {
+    const auto keys = outlivedRepetitions();
+    for (unsigned code = 0; code < 256; ++code)
+        if (const auto key = static_cast<xcb_keycode_t>(code); keys[key] && !isPressedAgain(key))
             undoGift(key);
-    }
-    connections_->grabs().flush();
 }
 
 TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {

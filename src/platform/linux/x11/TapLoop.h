@@ -61,8 +61,7 @@ private:
     void hear(const TapKey& heard);
     void hearRelease(xcb_keycode_t key);
     [[nodiscard]] bool isPressedAgain(xcb_keycode_t key);
-    [[nodiscard]] bool isReleasedByNow(xcb_keycode_t key);
-    [[nodiscard]] bool didUserByNow(bool isPress, xcb_keycode_t key);
+    [[nodiscard]] bool isToCome(bool isPress, xcb_keycode_t key);
     void undoGift(xcb_keycode_t key);
     [[nodiscard]] std::optional<TapKey> takeGrabbed(const TapKey& heard);
     [[nodiscard]] std::optional<TapKey> takeGrabbedAgain(xcb_keycode_t key);
@@ -76,7 +75,9 @@ private:
     void swallow(const TapKey& press);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
     void expectAgain(const std::vector<TapKey>& keys);
-    void undoGiftsOfNow();
+    /// What was put in again and is still held by our device, though the user has let go of it.
+    [[nodiscard]] KeySet outlivedRepetitions() const;
+    void undoOutlivedRepetitions();
 
     [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
     void tellRelease(xcb_keycode_t key);
@@ -102,6 +103,7 @@ private:
 
     KeySet userDown_;                             ///< On the keyboards that people press.
     std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
+    KeySet repeated_;                             ///< Pressed by us when they were put in again.
     KeySet released_; ///< Swallowed, and released by us on the keyboard on which they were pressed.
     KeySet hidden_;   ///< Modifiers that were swallowed and are still held.
     /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/Untangler.h"
 
+#include <algorithm>
 #include <poll.h>
 
 namespace velorin {
@@ -35,9 +36,11 @@ std::vector<TapKey> Untangler::runAfterSwallowing(const TapKey& swallowed, std::
     return repeat();
 }
 
-std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_keycode_t company) {
+std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_keycode_t company,
+                                                bool isReleased) {
     hold();
-    connections_.post(false, swallowed.key);
+    if (!isReleased)
+        connections_.post(false, swallowed.key);
     caught_ = {{true, company}, {false, company}};
     takeUpTo(swallowed, take());
     return repeat();
@@ -57,9 +60,13 @@ void Untangler::noteReleased(const TapKey& swallowed) {
 }
 
 std::vector<TapKey> Untangler::repeat() {
-    takeAll(true);
-    while (!connections_.isBroken() && !tryToRepeat())
-        takeAll(false);
+    for (bool isFirst = true, isDone = false; !isDone && !connections_.isBroken(); isFirst = false) {
+        takeAll(isFirst);
+        // The less time between the last look and the repetition, the less falls into it.
+        while (!connections_.isBroken() && didUserMore())
+            takeAll(false);
+        isDone = tryToRepeat();
+    }
     shared_->isHolding = 0;
     settle();
     return std::move(caught_);
@@ -78,6 +85,9 @@ void Untangler::settle() {
     for (const auto& key : caught_)
         if (!down[key.key])
             shared_->keys[key.key] = 0;
+    for (unsigned key = 0; key < 256; ++key)
+        if (outlived_[key] && !ours_[key])
+            shared_->keys[key] = 0;
     shared_->keys[marker_] = 0;
 }
 
@@ -170,6 +180,13 @@ void Untangler::listenToPosts() {
     }
 }
 
+bool Untangler::didUserMore() {
+    listen_();
+    const auto& heard = connections_.heardAtOnce();
+    return std::any_of(heard.begin() + static_cast<std::ptrdiff_t>(heard_), heard.end(),
+                       [&](const TapKey& key) { return !connections_.isSynthetic(key); });
+}
+
 bool Untangler::catchWhatWasHeard() {
     const auto known = caught_.size();
     const auto end = endOfPosts() == 0 ? connections_.heardAtOnce().size() : endOfPosts();
@@ -187,6 +204,16 @@ void Untangler::note(const TapKey& key) {
 
 std::size_t Untangler::undo() {
     std::size_t changes = 0;
+    for (unsigned code = 0; code < 256; ++code) {
+        // What our device still holds though the user has let go of it: nobody notices that here.
+        const auto key = static_cast<xcb_keycode_t>(code);
+        if (shared_->keys[key] == KeyState::givenBack && ours_[key] && !done_.contains(key) &&
+            !connections_.userDownByNow()[key]) {
+            send(false, key);
+            ours_.reset(key);
+            outlived_.set(key);
+        }
+    }
     for (const auto& [key, change] : done_) {
         if (change.isDown == change.wasDown && change.isOdd)
             post(!change.wasDown, key);

@@ -37,8 +37,9 @@ public:
                                                          std::optional<TapKey> first);
 
     /// For a press that waits and is to be swallowed, so that a tap of another key goes before everything
-    /// else: the user may have let go of all keys by now.
-    [[nodiscard]] std::vector<TapKey> swallowInCompany(const TapKey& swallowed, xcb_keycode_t company);
+    /// else: the user may have let go of all keys by now. `isReleased`: of the swallowed one for certain.
+    [[nodiscard]] std::vector<TapKey> swallowInCompany(const TapKey& swallowed, xcb_keycode_t company,
+                                                       bool isReleased);
 
 private:
     void ask(std::size_t keys);
@@ -59,6 +60,7 @@ private:
     void listenToPosts();
     /// Behind the last of what we posted from the marker on; 0 as long as not all of it is heard.
     [[nodiscard]] std::size_t endOfPosts() const;
+    [[nodiscard]] bool didUserMore();
     /// True if the user did something among it.
     bool catchWhatWasHeard();
     void hold();
@@ -80,6 +82,7 @@ private:
     };
     std::map<xcb_keycode_t, Change> done_;
     KeySet ours_;                ///< What our device may hold down, whatever the keyboard as a whole does.
+    KeySet outlived_;            ///< What it held for nobody, and was released.
     std::vector<TapKey> caught_; ///< What is to be repeated.
 };
 
