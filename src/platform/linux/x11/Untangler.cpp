@@ -33,6 +33,8 @@ std::vector<TapKey> Untangler::run(const TapKey& waiting) {
 std::vector<TapKey> Untangler::runAfterSwallowing(const TapKey& swallowed, std::optional<TapKey> first) {
     hold();
     takeUpTo(swallowed, first ? first : take());
+    if (first)
+        noteReleased(swallowed);
     return repeat();
 }
 
@@ -43,6 +45,8 @@ std::vector<TapKey> Untangler::swallowInCompany(const TapKey& swallowed, xcb_key
         connections_.post(false, swallowed.key);
     caught_ = {{true, company}, {false, company}};
     takeUpTo(swallowed, take());
+    if (!isReleased)
+        noteReleased(swallowed);
     return repeat();
 }
 
@@ -51,12 +55,13 @@ void Untangler::takeUpTo(const TapKey& swallowed, std::optional<TapKey> key) {
         note(*key);
         caught_.push_back(*key);
     }
-    noteReleased(swallowed);
 }
 
 void Untangler::noteReleased(const TapKey& swallowed) {
-    if (connections_.isSynthetic(swallowed)) // else it is in the ledger by somebody else, if at all
-        shared_->keys[swallowed.key] = 0;
+    if (!connections_.isSynthetic(swallowed))
+        return; // it is in the ledger by somebody else, if at all
+    shared_->keys[swallowed.key] = 0;
+    ours_.reset(swallowed.key);
 }
 
 std::vector<TapKey> Untangler::repeat() {

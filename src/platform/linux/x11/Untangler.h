@@ -32,7 +32,8 @@ public:
     /// of it that are down are held by our device from now on, in the user's stead.
     [[nodiscard]] std::vector<TapKey> run(const TapKey& waiting);
 
-    /// For what came in place of the release of the swallowed key, which is in the queue already.
+    /// For what came in place of the release of the swallowed key: ours, which is on its way. Nothing: that
+    /// of the user is on its way, and we posted none.
     [[nodiscard]] std::vector<TapKey> runAfterSwallowing(const TapKey& swallowed,
                                                          std::optional<TapKey> first);
 
