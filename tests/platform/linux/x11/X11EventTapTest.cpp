@@ -130,7 +130,54 @@ TEST_F(X11EventTapTest, KeepsKeysThatAreTypedWhileItIsStillThinking) {
     EXPECT_THAT(handled.text(4), testing::EndsWith("f63/0"));
     EXPECT_TRUE(down().none());
     user.tap(letterB);
-    EXPECT_EQ(toString(window.keys(2)), "56+ 56-") << "our device does not hold it";
+    EXPECT_EQ(toString(window.keys(2)), "56+ 56-");
+    const Deadline deadline(5s);
+    while (state->keys[letterB] != 0 && !deadline.hasPassed())
+        std::this_thread::yield();
+    EXPECT_EQ(state->keys[letterB], 0) << "our device does not hold it";
+}
+
+TEST_F(X11EventTapTest, KeepsTheOrderOfWhatIsTypedAtFullSpeedAroundIt) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    handled.answer = [](const KeyEvent& event) {
+        return event.keyCode == KeyCodes::function ? TapAnswer::swallow : TapAnswer::pass;
+    };
+    constexpr int rounds = 20;
+    std::string expected;
+    for (int i = 0; i < rounds; ++i) {
+        user.press(letterA);
+        user.tap(rightControl);
+        user.press(leftShift);
+        user.release(letterA);
+        user.tap(letterB);
+        user.release(leftShift);
+        expected += "38+ 50+ 38-/1 56+/1 56-/1 50-/1 ";
+    }
+    user.sync();
+    EXPECT_EQ(toString(window.keys(rounds * 6)) + " ", expected);
+    EXPECT_TRUE(down().none());
+}
+
+TEST_F(X11EventTapTest, SwallowsWithoutAChangeOfTheKeyboardsMap) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.tap(letterA); // from now on the map is that of the user's keyboard
+    EXPECT_THAT(window.keys(2), testing::SizeIs(2));
+    const auto bystander = XConnection::open();
+    ASSERT_TRUE(bystander);
+    user.press(rightControl);
+    const Deadline deadline(5s);
+    while (handled.text(1).empty() || (down().any() && !deadline.hasPassed()))
+        std::this_thread::yield();
+    user.tap(letterA);
+    user.release(rightControl);
+    (void)handled.text(2);
+    EXPECT_THAT(window.keys(2), testing::SizeIs(2));
+    ASSERT_TRUE(bystander->sync(Deadline(5s)));
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(bystander->get())})
+        EXPECT_NE(event->response_type & 0x7f, XCB_MAPPING_NOTIFY)
+            << "every program would read its keys anew";
 }
 
 TEST_F(X11EventTapTest, PassesWhatTheHandlerPasses) {
@@ -409,6 +456,25 @@ TEST_F(X11EventTapTest, ComesBackWhenItsConnectionWasEnded) {
     EXPECT_EQ(handled.text(2), "f56/0 f63/800000");
     user.release(rightControl);
     EXPECT_FALSE(isLost);
+}
+
+TEST_F(X11EventTapTest, KeepsTheHoldWhenItsConnectionWasEndedAndTheKeyIsStillHeld) {
+    start({fnAnyhow()});
+    awaitGrabs(rightControl);
+    user.press(rightControl);
+    (void)handled.text(1);
+    user.tap(letterA); // the answer has been given
+    EXPECT_THAT(window.keys(2), testing::SizeIs(2));
+    const auto resource = state->tapResource.load();
+    xcb_kill_client(user.connection().get(), resource);
+    user.sync();
+    const Deadline deadline(5s);
+    while ((state->tapResource == resource || state->tapResource == 0) && !deadline.hasPassed())
+        std::this_thread::yield();
+    user.tap(leftShift); // what is told comes after the coming back
+    EXPECT_EQ(handled.text(3), "f63/800000 f56/820000 f56/800000");
+    user.release(rightControl);
+    EXPECT_THAT(handled.text(4), testing::EndsWith(" f63/0"));
 }
 
 TEST_F(X11EventTapTest, TellsWhenTheServerIsGone) {
