@@ -1,7 +1,6 @@
 #include "platform/linux/x11/TapLoop.h"
 
 #include "platform/Log.h"
-#include "platform/linux/x11/Untangler.h"
 
 #include <algorithm>
 #include <array>
@@ -104,8 +103,25 @@ void TapLoop::setUp() {
 }
 
 void TapLoop::regrab() {
+    plannedUnseen_ = unseen();
     if (map_)
-        grabs_->apply(planGrabs(tappedKeys_, keys_, *map_, hidden_ | seemDown_), keys_);
+        grabs_->apply(planGrabs(tappedKeys_, keys_, *map_, plannedUnseen_), keys_);
+}
+
+void TapLoop::regrabAsNeeded() {
+    if (unseen() != plannedUnseen_)
+        regrab();
+}
+
+KeySet TapLoop::unseen() const {
+    auto keys = hidden_ | seemDown_ | repeatedModifiers_;
+    // The next press may follow the release of one of two twins before we hear of that.
+    for (const auto& [key, code] : down_)
+        for (const auto& [twin, twinCode] : down_)
+            if (key != twin && KeyCodes::flagOf(code) != 0 &&
+                KeyCodes::flagOf(code) == KeyCodes::flagOf(twinCode))
+                keys.set(key);
+    return keys;
 }
 
 void TapLoop::wait() {
@@ -170,6 +186,8 @@ void TapLoop::process() {
             readMap();
         } else {
             connections_->nothingIsToCome();
+            repeatedModifiers_.reset();
+            regrabAsNeeded();
             return;
         }
     }
@@ -292,7 +310,7 @@ void TapLoop::answer(const TapKey& press) {
     const bool isRepeated = noteReposted(press.key);
     const bool isUsers = isRepeated || !connections_->isSynthetic(press);
     const auto code = keys_.virtualOf(press.key);
-    if (isUsers && code && tellPress(press.key, *code) == TapAnswer::swallow) {
+    if (isUsers && code && isWanted(press, *code) && tellPress(press.key, *code) == TapAnswer::swallow) {
         swallow(press);
         return;
     }
@@ -300,17 +318,29 @@ void TapLoop::answer(const TapKey& press) {
         passModifier(press);
         return;
     }
-    if (isUsers && grabs_->isBound(press.key)) // what is let go of now may make its shortcut active
+    if (isBoundKeyDown()) // what is let go of now may make its shortcut active
         grabs_->grabModifiers(modifierKeys(keys_));
     connections_->replay();
     connections_->grabs().flush();
 }
 
+bool TapLoop::isWanted(const TapKey& press, std::uint16_t code) const {
+    if (KeyCodes::flagOf(code) != 0 || !map_)
+        return true;
+    const auto held = flags();
+    const auto isTapped = [&](const TappedKey& key) {
+        return key.keyCode == code && std::ranges::find(key.modifierFlags, held) != key.modifierFlags.end();
+    };
+    const auto plan = planGrabs(tappedKeys_, keys_, *map_, hidden_ | seemDown_);
+    const auto states = plan.find(press.key);
+    return (states != plan.end() && states->second.contains(press.modifiers)) ||
+           std::ranges::any_of(tappedKeys_, isTapped);
+}
+
 void TapLoop::passModifier(const TapKey& press) {
     // Replayed, it would arrive as if it had been held already when it was pressed.
     grabs_->releaseModifier(press.key);
-    Untangler untangler(
-        *connections_, shared_, grabbedKeys_, [this] { readAll(); }, markerKey(press.key));
+    auto untangler = untanglerFor(press);
     expectAgain(untangler.run(press));
     if (isBoundKeyDown()) // the next press of it may be hidden again
         grabs_->grabModifiers(modifierKeys(keys_));
@@ -341,8 +371,7 @@ void TapLoop::swallow(const TapKey& press) {
     }
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
         connections_->lock(XCB_MOD_MASK_LOCK, press.locked);
-    Untangler untangler(
-        *connections_, shared_, grabbedKeys_, [this] { readAll(); }, markerKey(press.key));
+    auto untangler = untanglerFor(press);
     // Where it is released already, a release of ours would end another press behind it.
     const bool isReleased = isToCome(false, press.key);
     // Desktops open their launcher when Super comes up and nothing else was pressed meanwhile.
@@ -365,6 +394,25 @@ void TapLoop::swallow(const TapKey& press) {
         expectAgain(untangler.runAfterSwallowing(press, *first));
     else if (first && connections_->isSynthetic(press)) // it was posted in the user's stead
         shared_->keys[press.key] = 0;
+}
+
+Untangler TapLoop::untanglerFor(const TapKey& press) {
+    return {*connections_,
+            shared_,
+            grabbedKeys_,
+            markerKey(press.key),
+            {[this] { readAll(); }, [this](const auto& keys) { grabForRepetition(keys); }}};
+}
+
+void TapLoop::grabForRepetition(const std::vector<TapKey>& keys) {
+    // They come in one go: a press that the release before it makes a shortcut would not be grabbed in time.
+    const auto isBoundPress = [&](const TapKey& key) { return key.isPress && grabs_->isBound(key.key); };
+    if (std::ranges::none_of(keys, isBoundPress))
+        return;
+    const auto modifiers = modifierKeys(keys_);
+    for (const auto& key : keys)
+        repeatedModifiers_[key.key] = repeatedModifiers_[key.key] || modifiers[key.key];
+    regrabAsNeeded();
 }
 
 xcb_keycode_t TapLoop::markerKey(xcb_keycode_t otherwise) const {
@@ -398,21 +446,17 @@ void TapLoop::undoOutlivedRepetitions() {
 
 TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
     down_[key] = code;
-    if (seemDown_[key]) {
-        seemDown_.reset(key);
-        regrab();
-    }
+    seemDown_.reset(key);
+    regrabAsNeeded();
     const bool isModifierCode = KeyCodes::flagOf(code) != 0;
     return handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyDown, code, flags()});
 }
 
 void TapLoop::tellRelease(xcb_keycode_t key) {
     const auto code = down_.extract(key).mapped();
-    const auto unseen = hidden_ | seemDown_;
     hidden_.reset(key);
     seemDown_[key] = (flags() & KeyCodes::flagOf(code)) != 0;
-    if ((hidden_ | seemDown_) != unseen)
-        regrab();
+    regrabAsNeeded();
     if (!isBoundKeyDown()) {
         grabs_->releaseModifiers();
         connections_->grabs().flush();

@@ -14,6 +14,7 @@
 
 #include "platform/EventTap.h"
 #include "platform/linux/x11/TapGrabs.h"
+#include "platform/linux/x11/Untangler.h"
 #include "platform/linux/x11/WakeUp.h"
 #include "platform/linux/x11/guard/GuardProcess.h"
 
@@ -51,6 +52,9 @@ private:
     [[nodiscard]] bool obey();
     void setUp();
     void regrab();
+    void regrabAsNeeded();
+    /// Modifiers that count as held for the shortcuts and not for the server, or may in a moment.
+    [[nodiscard]] KeySet unseen() const;
     void wait();
     [[nodiscard]] bool comeBack();
 
@@ -69,10 +73,14 @@ private:
     bool noteReposted(xcb_keycode_t key);
     void decide(const TapKey& press);
     void answer(const TapKey& press);
+    /// False for a press that is grabbed only for what might have come just before it.
+    [[nodiscard]] bool isWanted(const TapKey& press, std::uint16_t code) const;
     void passModifier(const TapKey& press);
     [[nodiscard]] bool isBoundKeyDown() const;
     void grabModifiersAsNeeded();
     void swallow(const TapKey& press);
+    [[nodiscard]] Untangler untanglerFor(const TapKey& press);
+    void grabForRepetition(const std::vector<TapKey>& keys);
     [[nodiscard]] xcb_keycode_t markerKey(xcb_keycode_t otherwise) const;
     void expectAgain(const std::vector<TapKey>& keys);
     /// What was put in again and is still held by our device, though the user has let go of it.
@@ -108,6 +116,8 @@ private:
     KeySet hidden_;   ///< Modifiers that were swallowed and are still held.
     /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.
     KeySet seemDown_;
+    KeySet repeatedModifiers_; ///< Until all that was put in again has been heard.
+    KeySet plannedUnseen_;     ///< With which the grabs were made.
 };
 
 } // namespace velorin

@@ -14,11 +14,10 @@ constexpr std::chrono::milliseconds soon{5};
 } // namespace
 
 Untangler::Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
-                     std::function<void()> listen, xcb_keycode_t marker)
-    : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), listen_(std::move(listen)),
-      marker_(marker) {
+                     xcb_keycode_t marker, Calls calls)
+    : connections_(connections), shared_(shared), grabbedKeys_(grabbedKeys), marker_(marker),
+      calls_(std::move(calls)) {
     connections_.forgetHeardAtOnce();
-
     for (std::size_t key = 0; key < ours_.size(); ++key)
         ours_[key] = shared_->keys[key] != 0;
 }
@@ -175,18 +174,18 @@ std::size_t Untangler::endOfPosts() const {
 void Untangler::listenToPosts() {
     // It was sent along with what has come round, so it is here, or will be in a moment.
     const Deadline deadline(soon);
-    for (listen_(); endOfPosts() == 0 && !deadline.hasPassed(); listen_()) {
+    for (calls_.listen(); endOfPosts() == 0 && !deadline.hasPassed(); calls_.listen()) {
         pollfd waiting{connections_.raw().fileDescriptor(), POLLIN, 0};
         poll(&waiting, 1, deadline.pollTimeout());
     }
     if (endOfPosts() == 0) {
         (void)connections_.raw().sync(Deadline(serverDeadline));
-        listen_();
+        calls_.listen();
     }
 }
 
 bool Untangler::didUserMore() {
-    listen_();
+    calls_.listen();
     const auto& heard = connections_.heardAtOnce();
     return std::any_of(heard.begin() + static_cast<std::ptrdiff_t>(heard_), heard.end(),
                        [&](const TapKey& key) { return !connections_.isSynthetic(key); });
@@ -257,6 +256,7 @@ bool Untangler::tryToRepeat() {
     listenToPosts();
     if (catchWhatWasHeard())
         return false;
+    calls_.repeating(caught_);
     letGo();
     return true;
 }

@@ -24,9 +24,15 @@ namespace velorin {
 
 class Untangler final {
 public:
-    /// The marker is a key that is up and means nothing. `listen` has the connections read what has arrived.
+    struct Calls {
+        std::function<void()> listen; ///< Has the connections read what has arrived.
+        /// These are put in again as soon as it returns.
+        std::function<void(const std::vector<TapKey>&)> repeating;
+    };
+
+    /// The marker is a key that is up and means nothing.
     Untangler(TapConnections& connections, SharedKeyState& shared, std::deque<TapKey>& grabbedKeys,
-              std::function<void()> listen, xcb_keycode_t marker);
+              xcb_keycode_t marker, Calls calls);
 
     /// For a press that waits and is to arrive as a press of its own. Gives what was put in again: the keys
     /// of it that are down are held by our device from now on, in the user's stead.
@@ -70,8 +76,8 @@ private:
     TapConnections& connections_;
     SharedKeyState& shared_;
     std::deque<TapKey>& grabbedKeys_;
-    std::function<void()> listen_;
     xcb_keycode_t marker_;
+    Calls calls_;
     std::vector<TapKey> posted_; ///< From the last marker on.
     std::size_t heard_ = 0;      ///< How much of what is heard is looked at.
     std::size_t asked_ = 0;      ///< Keys that the server has yet to hand out.
