@@ -55,14 +55,14 @@ bool TapConnections::readDevices() {
         xcb_input_xi_query_device(raw_->get(), XCB_INPUT_DEVICE_ALL), Deadline(patience));
     if (!devices)
         return false;
+    std::set<std::uint16_t> present;
     syntheticDevices_.clear();
     masterKeyboards_.clear();
-    for (auto& releases : ownReleases_)
-        releases.clear(); // a device that has gone tells nothing more, and its number goes to another
     masterKeyboard_ = 0;
     for (auto infos = xcb_input_xi_query_device_infos_iterator(devices.get()); infos.rem > 0;
          xcb_input_xi_device_info_next(&infos)) {
         const auto& info = *infos.data;
+        present.insert(info.deviceid);
         const std::string_view name(xcb_input_xi_device_info_name(&info),
                                     static_cast<std::size_t>(xcb_input_xi_device_info_name_length(&info)));
         if (info.type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD) {
@@ -72,6 +72,8 @@ bool TapConnections::readDevices() {
         if (name.ends_with("XTEST keyboard"))
             syntheticDevices_.insert(info.deviceid);
     }
+    for (auto& releases : ownReleases_)
+        releases.keepOnly(present); // what has gone tells nothing more, and its number goes to another
     return masterKeyboard_ != 0;
 }
 
@@ -179,17 +181,20 @@ void TapConnections::postRelease(const TapKey& press, xcb_keycode_t marker) {
 }
 
 bool TapConnections::OwnReleases::take(const TapKey& heard) {
-    if (heard.isPress || releases_.empty() || releases_.front().device != heard.source)
+    const auto found = std::ranges::find_if(releases_, [&](const Release& release) {
+        return release.device == heard.source && heard.key == (release.isNext ? release.key : release.marker);
+    });
+    if (heard.isPress || found == releases_.end())
         return false;
-    auto& next = releases_.front();
-    if (!next.isNext && heard.key == next.marker) {
-        next.isNext = true;
-        return true;
-    }
-    if (!next.isNext || heard.key != next.key)
-        return false;
-    releases_.pop_front();
+    if (found->isNext)
+        releases_.erase(found);
+    else
+        found->isNext = true;
     return true;
+}
+
+void TapConnections::OwnReleases::keepOnly(const std::set<std::uint16_t>& devices) {
+    std::erase_if(releases_, [&](const Release& release) { return !devices.contains(release.device); });
 }
 
 void TapConnections::hear(TapKey key, bool isAtOnce, std::deque<TapKey>& rawKeys) {

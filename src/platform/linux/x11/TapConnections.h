@@ -102,7 +102,7 @@ private:
         void add(std::uint16_t device, xcb_keycode_t marker, xcb_keycode_t key) {
             releases_.push_back({device, marker, key});
         }
-        void clear() { releases_.clear(); }
+        void keepOnly(const std::set<std::uint16_t>& devices);
         /// Whether it is the next of them, or its marker.
         [[nodiscard]] bool take(const TapKey& heard);
 
