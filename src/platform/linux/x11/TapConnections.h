@@ -56,7 +56,10 @@ public:
         return toCome_[isPress ? 1 : 0][key] > 0;
     }
     /// No key waits: what has not come by now never will.
-    void nothingIsToCome() { toCome_ = {}; }
+    void nothingIsToCome() {
+        toCome_ = {};
+        forgetHeardAtOnce();
+    }
     /// What the user holds down, also if its turn has not come.
     [[nodiscard]] const KeySet& userDownByNow() const { return userDownByNow_; }
     void assumeUserDown(const KeySet& keys) { userDownByNow_ = keys; }
