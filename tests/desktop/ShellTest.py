@@ -83,8 +83,8 @@ class WithoutTray(Shell):
         self.addCleanup(host.close)
         for row, title in (("Settings…", "Velorin"), ("Show Onboarding…", "Welcome to Velorin")):
             host.choose(velorin.pid, row)
-            waiting.until(f"the window “{title}”", 10, lambda: self.windows.active() is not None and title.encode()
-                          == bytes(self.windows.property(self.windows.active(), "_NET_WM_NAME") or b""))  # noqa: B023
+            waiting.until(f"the window “{title}”", 10,
+                          lambda: self.windows.title_in_front() == title)  # noqa: B023
         self.assertTrue(json.loads(PREFERENCES.read_text())["onboardingCompleted"])
 
 

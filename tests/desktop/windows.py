@@ -35,6 +35,12 @@ class Windows:
         found = self.property(window, "_NET_WM_PID")
         return None if found is None or len(found) == 0 else found[0]
 
+    def title_in_front(self) -> str | None:
+        """The title of the window in front, or None. It may change while one looks."""
+        active = self.active()
+        title = None if active is None else self.property(active, "_NET_WM_NAME")
+        return None if title is None else bytes(title).decode()
+
     def wait_until_active(self, pid: int, seconds: float = 10):
         """The window of the process, once it is in front."""
         def look():
