@@ -107,10 +107,7 @@ bool TapConnections::read(std::deque<TapKey>& grabbedKeys, std::deque<TapKey>& r
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(raw_->get())}) {
         const int type = event->response_type & 0x7f;
         if (const auto key = keyIn(*event)) {
-            hear(*key,
-                 !masterKeyboards_.contains(
-                     reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event).deviceid),
-                 rawKeys);
+            hear(*key, rawKeys);
         } else if (type == XCB_MAPPING_NOTIFY) {
             isChanged = true;
         } else if (type == XCB_GE_GENERIC &&
@@ -134,13 +131,14 @@ std::optional<TapKey> TapConnections::keyIn(const xcb_generic_event_t& event) co
         if ((raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0)
             return std::nullopt;
         return TapKey{generic.event_type == XCB_INPUT_RAW_KEY_PRESS, static_cast<xcb_keycode_t>(raw.detail),
-                      raw.sourceid, raw.time};
+                      raw.deviceid, raw.sourceid, raw.time};
     }
     case XCB_INPUT_KEY_PRESS:
     case XCB_INPUT_KEY_RELEASE: {
         const auto& key = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
         return TapKey{generic.event_type == XCB_INPUT_KEY_PRESS,
                       static_cast<xcb_keycode_t>(key.detail),
+                      key.deviceid,
                       key.sourceid,
                       key.time,
                       key.mods.effective,
@@ -197,7 +195,8 @@ void TapConnections::OwnReleases::keepOnly(const std::set<std::uint16_t>& device
     std::erase_if(releases_, [&](const Release& release) { return !devices.contains(release.device); });
 }
 
-void TapConnections::hear(TapKey key, bool isAtOnce, std::deque<TapKey>& rawKeys) {
+void TapConnections::hear(TapKey key, std::deque<TapKey>& rawKeys) {
+    const bool isAtOnce = !masterKeyboards_.contains(key.device);
     key.isOurs = ownReleases_[isAtOnce ? 1 : 0].take(key);
     (isAtOnce ? heardAtOnce_ : rawKeys).push_back(key);
     auto& toCome = toCome_[key.isPress ? 1 : 0][key.key];

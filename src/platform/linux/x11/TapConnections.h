@@ -20,6 +20,7 @@ namespace velorin {
 struct TapKey {
     bool isPress = false;
     xcb_keycode_t key = 0;
+    std::uint16_t device = 0; ///< That tells of it: the source, or the master keyboard that it belongs to.
     std::uint16_t source = 0; ///< The device under somebody's fingers, or that of synthetic keys.
     xcb_timestamp_t time = 0;
     std::uint32_t modifiers = 0; ///< Before it; told of grabbed keys only.
@@ -91,7 +92,7 @@ private:
     [[nodiscard]] bool setUp();
     [[nodiscard]] bool readDevices();
     [[nodiscard]] std::optional<TapKey> keyIn(const xcb_generic_event_t& event) const;
-    void hear(TapKey key, bool isAtOnce, std::deque<TapKey>& rawKeys);
+    void hear(TapKey key, std::deque<TapKey>& rawKeys);
 
     std::unique_ptr<XConnection> grabs_;
     std::unique_ptr<XConnection> raw_;

@@ -2,14 +2,18 @@
 #pragma once
 
 #include "platform/linux/KeyCodes.h"
+#include "platform/linux/x11/KeyboardMap.h"
 
+#include <array>
 #include <string_view>
-#include <xcb/xcb.h>
 
 namespace velorin {
 
 class TapKeys final {
 public:
+    /// Virtual: both keys of Command, Shift, Option and Control, and Fn.
+    static constexpr std::array<std::uint16_t, 9> modifierCodes{54, 55, 56, 58, 59, 60, 61, 62, 63};
+
     /// The name of a stand-in as KeyCodes knows it.
     explicit TapKeys(std::string_view standIn) : standIn_(KeyCodes::standInForFunction(standIn)) {}
 
@@ -27,6 +31,14 @@ public:
         if (!evdev || isTaken || *evdev > largestEvdev)
             return std::nullopt;
         return static_cast<xcb_keycode_t>(*evdev + offset);
+    }
+
+    [[nodiscard]] KeySet modifiers() const {
+        KeySet keys;
+        for (const auto code : modifierCodes)
+            if (const auto key = keyOf(code))
+                keys.set(*key);
+        return keys;
     }
 
     bool operator==(const TapKeys&) const = default;

@@ -5,25 +5,15 @@
 #include <algorithm>
 #include <array>
 #include <poll.h>
-#include <ranges>
 
 namespace velorin {
 
 namespace {
 
-constexpr std::array<std::uint16_t, 9> modifierCodes{54, 55, 56, 58, 59, 60, 61, 62, 63};
 constexpr std::array<std::uint16_t, 2> superCodes{54, 55};
 
 /// Nobody presses a key again at the very end of it.
 constexpr std::chrono::milliseconds typingPause{100};
-
-KeySet modifierKeys(const TapKeys& keys) {
-    KeySet set;
-    for (const auto code : modifierCodes)
-        if (const auto key = keys.keyOf(code))
-            set.set(*key);
-    return set;
-}
 
 std::uint32_t superState(const TapKeys& keys, const KeyboardMap& map) {
     std::uint32_t state = 0;
@@ -81,7 +71,7 @@ bool TapLoop::obey() {
     const TapKeys wanted(standIn);
     if (keys != tappedKeys_ || wanted != keys_) {
         if (keys != tappedKeys_)
-            seemDown_.reset(); // with other shortcuts the handler begins anew
+            held_.forgetTwins(); // with other shortcuts the handler begins anew
         tappedKeys_ = std::move(keys);
         keys_ = wanted;
         regrab();
@@ -103,25 +93,19 @@ void TapLoop::setUp() {
 }
 
 void TapLoop::regrab() {
-    plannedUnseen_ = unseen();
+    plannedUnseen_ = unseenByNextPress();
     if (map_)
         grabs_->apply(planGrabs(tappedKeys_, keys_, *map_, plannedUnseen_), keys_);
 }
 
 void TapLoop::regrabAsNeeded() {
-    if (unseen() != plannedUnseen_)
+    if (unseenByNextPress() != plannedUnseen_)
         regrab();
 }
 
-KeySet TapLoop::unseen() const {
-    auto keys = hidden_ | seemDown_ | repeatedModifiers_;
-    // The next press may follow the release of one of two twins before we hear of that.
-    for (const auto& [key, code] : down_)
-        for (const auto& [twin, twinCode] : down_)
-            if (key != twin && KeyCodes::flagOf(code) != 0 &&
-                KeyCodes::flagOf(code) == KeyCodes::flagOf(twinCode))
-                keys.set(key);
-    return keys;
+KeySet TapLoop::unseenByNextPress() const {
+    // It may follow the release of one of two twins before we hear of that.
+    return held_.unseen() | held_.twins() | repeatedModifiers_;
 }
 
 void TapLoop::wait() {
@@ -278,7 +262,7 @@ void TapLoop::hearRelease(xcb_keycode_t key) {
     // A gift may be younger than what is only heard now: then it is for a press that is still to be heard.
     if (shared_->keys[key] == KeyState::givenBack && !repeated_[key] && !isPressedAgain(key))
         undoGift(key);
-    if (down_.contains(key))
+    if (held_.isDown(key))
         tellRelease(key);
 }
 
@@ -319,7 +303,7 @@ void TapLoop::answer(const TapKey& press) {
         return;
     }
     if (isBoundKeyDown()) // what is let go of now may make its shortcut active
-        grabs_->grabModifiers(modifierKeys(keys_));
+        grabs_->grabModifiers(keys_.modifiers());
     connections_->replay();
     connections_->grabs().flush();
 }
@@ -327,11 +311,11 @@ void TapLoop::answer(const TapKey& press) {
 bool TapLoop::isWanted(const TapKey& press, std::uint16_t code) const {
     if (KeyCodes::flagOf(code) != 0 || !map_)
         return true;
-    const auto held = flags();
+    const auto held = held_.flags();
     const auto isTapped = [&](const TappedKey& key) {
         return key.keyCode == code && std::ranges::find(key.modifierFlags, held) != key.modifierFlags.end();
     };
-    const auto plan = planGrabs(tappedKeys_, keys_, *map_, hidden_ | seemDown_);
+    const auto plan = planGrabs(tappedKeys_, keys_, *map_, held_.unseen());
     const auto states = plan.find(press.key);
     return (states != plan.end() && states->second.contains(press.modifiers)) ||
            std::ranges::any_of(tappedKeys_, isTapped);
@@ -343,30 +327,30 @@ void TapLoop::passModifier(const TapKey& press) {
     auto untangler = untanglerFor(press);
     expectAgain(untangler.run(press));
     if (isBoundKeyDown()) // the next press of it may be hidden again
-        grabs_->grabModifiers(modifierKeys(keys_));
+        grabs_->grabModifiers(keys_.modifiers());
     connections_->grabs().flush();
 }
 
 bool TapLoop::isBoundKeyDown() const {
-    const auto isBound = [&](xcb_keycode_t key) { return grabs_->isBound(key); };
-    for (unsigned key = 0; key < seemDown_.size(); ++key)
-        if (seemDown_[key] && isBound(static_cast<xcb_keycode_t>(key)))
+    const auto held = held_.all();
+    for (unsigned key = 0; key < held.size(); ++key)
+        if (held[key] && grabs_->isBound(static_cast<xcb_keycode_t>(key)))
             return true;
-    return std::ranges::any_of(std::views::keys(down_), isBound);
+    return false;
 }
 
 void TapLoop::grabModifiersAsNeeded() {
     if (isBoundKeyDown())
-        grabs_->grabModifiers(modifierKeys(keys_));
+        grabs_->grabModifiers(keys_.modifiers());
     else
         grabs_->releaseModifiers();
 }
 
 void TapLoop::swallow(const TapKey& press) {
     if (grabs_->isBound(press.key)) {
-        grabs_->grabModifiers(modifierKeys(keys_));
+        grabs_->grabModifiers(keys_.modifiers());
     } else if (isModifier(press.key)) {
-        hidden_.set(press.key);
+        held_.hide(press.key);
         regrab(); // what is bound with it comes without it
     }
     if (map_ && (map_->modifiersOf(press.key) & XCB_MOD_MASK_LOCK) != 0)
@@ -409,7 +393,7 @@ void TapLoop::grabForRepetition(const std::vector<TapKey>& keys) {
     const auto isBoundPress = [&](const TapKey& key) { return key.isPress && grabs_->isBound(key.key); };
     if (std::ranges::none_of(keys, isBoundPress))
         return;
-    const auto modifiers = modifierKeys(keys_);
+    const auto modifiers = keys_.modifiers();
     for (const auto& key : keys)
         repeatedModifiers_[key.key] = repeatedModifiers_[key.key] || modifiers[key.key];
     regrabAsNeeded();
@@ -445,24 +429,21 @@ void TapLoop::undoOutlivedRepetitions() {
 }
 
 TapAnswer TapLoop::tellPress(xcb_keycode_t key, std::uint16_t code) {
-    down_[key] = code;
-    seemDown_.reset(key);
+    held_.press(key, code);
     regrabAsNeeded();
     const bool isModifierCode = KeyCodes::flagOf(code) != 0;
-    return handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyDown, code, flags()});
+    return handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyDown, code, held_.flags()});
 }
 
 void TapLoop::tellRelease(xcb_keycode_t key) {
-    const auto code = down_.extract(key).mapped();
-    hidden_.reset(key);
-    seemDown_[key] = (flags() & KeyCodes::flagOf(code)) != 0;
+    const auto code = held_.release(key);
     regrabAsNeeded();
     if (!isBoundKeyDown()) {
         grabs_->releaseModifiers();
         connections_->grabs().flush();
     }
     const bool isModifierCode = KeyCodes::flagOf(code) != 0;
-    (void)handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyUp, code, flags()});
+    (void)handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyUp, code, held_.flags()});
 }
 
 void TapLoop::reconcile() {
@@ -473,44 +454,29 @@ void TapLoop::reconcile() {
     userDown_ = *held | (released_ & userDown_);
     connections_->assumeUserDown(userDown_);
     bool isOutOfStep = false;
-    const auto believed = down_;
+    const auto believed = held_.down();
     for (const auto& [key, code] : believed) {
         if (!userDown_[key]) {
             tellRelease(key);
             isOutOfStep = true;
         }
     }
-    const auto modifiers = modifierKeys(keys_);
+    const auto modifiers = keys_.modifiers();
     for (unsigned code = 0; code < 256; ++code) {
         const auto key = static_cast<xcb_keycode_t>(code);
-        if (userDown_[key] && modifiers[key] && !grabs_->isBound(key) && !down_.contains(key)) {
-            down_[key] = keys_.virtualOf(key).value();
+        if (userDown_[key] && modifiers[key] && !grabs_->isBound(key) && !held_.isDown(key)) {
+            held_.press(key, keys_.virtualOf(key).value());
             isOutOfStep = true;
         }
     }
     if (isOutOfStep) {
-        (void)handler_({KeyEvent::flagsChanged, 0, flags()});
-        noteTwins();
+        (void)handler_({KeyEvent::flagsChanged, 0, held_.flags()});
+        held_.assumeTwins(keys_);
         regrab();
     }
     grabModifiersAsNeeded();
 }
 
-void TapLoop::noteTwins() {
-    // Told flags alone, the handler takes both keys of a pair for down.
-    seemDown_.reset();
-    for (const auto code : modifierCodes)
-        if (const auto key = keys_.keyOf(code); key && !down_.contains(*key))
-            seemDown_[*key] = (flags() & KeyCodes::flagOf(code)) != 0;
-}
-
-quint64 TapLoop::flags() const {
-    quint64 flags = 0;
-    for (const auto& [key, code] : down_)
-        flags |= KeyCodes::flagOf(code);
-    return flags;
-}
-
-bool TapLoop::isModifier(xcb_keycode_t key) const { return modifierKeys(keys_)[key]; }
+bool TapLoop::isModifier(xcb_keycode_t key) const { return keys_.modifiers()[key]; }
 
 } // namespace velorin

@@ -6,13 +6,14 @@
 /// at a locked screen, or within somebody's menu, is none of ours. Releases and the other modifiers are
 /// taken from what is heard.
 ///
-/// A press that is swallowed is answered and, in the same write, released by a synthetic key. The server
-/// then holds it for up: other keys go straight through, nothing repeats, and the release that the user
-/// makes later reaches nobody but us. What the user pressed between a press and its answer comes to us
-/// behind it, one key at a time, and is posted anew before anything else gets through.
+/// A press that is swallowed is answered and, in the same write, released by us on the keyboard on which it
+/// was pressed. The server then holds it for up: other keys go straight through, nothing repeats, and the
+/// release that the user makes later reaches nobody but us. What the user pressed between a press and its
+/// answer comes to us behind it, one key at a time, and is posted anew before anything else gets through.
 #pragma once
 
 #include "platform/EventTap.h"
+#include "platform/linux/x11/HeldKeys.h"
 #include "platform/linux/x11/TapGrabs.h"
 #include "platform/linux/x11/Untangler.h"
 #include "platform/linux/x11/WakeUp.h"
@@ -53,8 +54,8 @@ private:
     void setUp();
     void regrab();
     void regrabAsNeeded();
-    /// Modifiers that count as held for the shortcuts and not for the server, or may in a moment.
-    [[nodiscard]] KeySet unseen() const;
+    /// Modifiers with which it may come that the shortcuts count as held and the server does not.
+    [[nodiscard]] KeySet unseenByNextPress() const;
     void wait();
     [[nodiscard]] bool comeBack();
 
@@ -90,8 +91,6 @@ private:
     [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
     void tellRelease(xcb_keycode_t key);
     void reconcile();
-    void noteTwins();
-    [[nodiscard]] quint64 flags() const;
     [[nodiscard]] bool isModifier(xcb_keycode_t key) const;
 
     std::unique_ptr<TapConnections> connections_;
@@ -109,13 +108,10 @@ private:
     std::deque<TapKey> heardKeys_;
     std::map<xcb_keycode_t, int> reposted_; ///< Presses of the user's that are on their way a second time.
 
-    KeySet userDown_;                             ///< On the keyboards that people press.
-    std::map<xcb_keycode_t, std::uint16_t> down_; ///< What the handler believes down, by its virtual code.
-    KeySet repeated_;                             ///< Pressed by us when they were put in again.
-    KeySet released_; ///< Swallowed, and released by us on the keyboard on which they were pressed.
-    KeySet hidden_;   ///< Modifiers that were swallowed and are still held.
-    /// Modifiers that are up but that the handler takes for down, as they came up while their twin was down.
-    KeySet seemDown_;
+    KeySet userDown_;          ///< On the keyboards that people press.
+    HeldKeys held_;            ///< As the handler believes.
+    KeySet repeated_;          ///< Pressed by us when they were put in again.
+    KeySet released_;          ///< Swallowed, and released by us on the keyboard on which they were pressed.
     KeySet repeatedModifiers_; ///< Until all that was put in again has been heard.
     KeySet plannedUnseen_;     ///< With which the grabs were made.
 };

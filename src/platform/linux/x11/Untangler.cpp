@@ -155,7 +155,7 @@ void Untangler::postMarker() {
     send(false, marker_);
 }
 
-std::size_t Untangler::endOfPosts() const {
+std::optional<std::size_t> Untangler::endOfPosts() const {
     auto heard = heard_;
     for (const auto& post : posted_) {
         const auto isHeard = [&] {
@@ -165,23 +165,24 @@ std::size_t Untangler::endOfPosts() const {
         while (heard < connections_.heardAtOnce().size() && !isHeard())
             ++heard;
         if (heard == connections_.heardAtOnce().size())
-            return 0;
+            return std::nullopt;
         ++heard;
     }
     return heard;
 }
 
-void Untangler::listenToPosts() {
-    // It was sent along with what has come round, so it is here, or will be in a moment.
+std::size_t Untangler::listenToPosts() {
+    // They were sent along with what has come round, so they are here, or will be in a moment.
     const Deadline deadline(soon);
-    for (calls_.listen(); endOfPosts() == 0 && !deadline.hasPassed(); calls_.listen()) {
+    for (calls_.listen(); !deadline.hasPassed(); calls_.listen()) {
+        if (const auto end = endOfPosts())
+            return *end;
         pollfd waiting{connections_.raw().fileDescriptor(), POLLIN, 0};
         poll(&waiting, 1, deadline.pollTimeout());
     }
-    if (endOfPosts() == 0) {
-        (void)connections_.raw().sync(Deadline(serverDeadline));
-        calls_.listen();
-    }
+    (void)connections_.raw().sync(Deadline(serverDeadline));
+    calls_.listen();
+    return endOfPosts().value_or(connections_.heardAtOnce().size());
 }
 
 bool Untangler::didUserMore() {
@@ -191,12 +192,11 @@ bool Untangler::didUserMore() {
                        [&](const TapKey& key) { return !connections_.isSynthetic(key); });
 }
 
-bool Untangler::catchWhatWasHeard() {
+bool Untangler::catchWhatWasHeard(std::size_t end) {
     const auto known = caught_.size();
-    const auto end = endOfPosts() == 0 ? connections_.heardAtOnce().size() : endOfPosts();
     for (; heard_ < end; ++heard_)
-        if (!connections_.isSynthetic(connections_.heardAtOnce()[heard_]))
-            caught_.push_back(connections_.heardAtOnce()[heard_]);
+        if (const auto& key = connections_.heardAtOnce()[heard_]; !connections_.isSynthetic(key))
+            caught_.push_back(key);
     return caught_.size() != known;
 }
 
@@ -237,11 +237,11 @@ void Untangler::takeAll(bool isFirst) {
         if (isFirst)
             caught_.push_back(*key);
     }
-    listenToPosts();
+    const auto end = listenToPosts();
     if (isFirst)
-        heard_ = endOfPosts() == 0 ? connections_.heardAtOnce().size() : endOfPosts();
+        heard_ = end;
     else
-        (void)catchWhatWasHeard();
+        (void)catchWhatWasHeard(end);
 }
 
 bool Untangler::tryToRepeat() {
@@ -253,8 +253,7 @@ bool Untangler::tryToRepeat() {
     ask(changes + keysOfMarker);
     while (const auto key = takeBeforeMarkerEnds())
         note(*key);
-    listenToPosts();
-    if (catchWhatWasHeard())
+    if (catchWhatWasHeard(listenToPosts()))
         return false;
     calls_.repeating(caught_);
     letGo();

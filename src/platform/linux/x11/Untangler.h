@@ -64,12 +64,13 @@ private:
     void takeAll(bool isFirst);
     [[nodiscard]] bool tryToRepeat();
     [[nodiscard]] std::vector<TapKey> repeat();
-    void listenToPosts();
-    /// Behind the last of what we posted from the marker on; 0 as long as not all of it is heard.
-    [[nodiscard]] std::size_t endOfPosts() const;
+    /// Behind the last of what we posted from the marker on, in what is heard at once. Waits for it.
+    [[nodiscard]] std::size_t listenToPosts();
+    /// Nothing as long as not all of it is heard.
+    [[nodiscard]] std::optional<std::size_t> endOfPosts() const;
     [[nodiscard]] bool didUserMore();
-    /// True if the user did something among it.
-    bool catchWhatWasHeard();
+    /// True if the user did something up to there.
+    bool catchWhatWasHeard(std::size_t end);
     void hold();
     void letGo();
 
