@@ -4,6 +4,7 @@
 #include "platform/linux/x11/XkbRequests.h"
 
 #include <algorithm>
+#include <numeric>
 #include <optional>
 #include <poll.h>
 #include <xcb/xinput.h>
@@ -203,6 +204,13 @@ void TapConnections::hear(TapKey key, std::deque<TapKey>& rawKeys) {
     toCome = std::max(toCome + (isAtOnce ? 1 : -1), 0);
     if (isAtOnce && !isSynthetic(key))
         userDownByNow_[key.key] = key.isPress;
+}
+
+std::size_t TapConnections::waiting() const {
+    std::size_t keys = 0;
+    for (const auto& ofKind : toCome_)
+        keys += static_cast<std::size_t>(std::accumulate(ofKind.begin(), ofKind.end(), 0));
+    return keys;
 }
 
 void TapConnections::hold() const {

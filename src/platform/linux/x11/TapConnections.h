@@ -56,6 +56,8 @@ public:
     [[nodiscard]] bool isToCome(bool isPress, xcb_keycode_t key) const {
         return toCome_[isPress ? 1 : 0][key] > 0;
     }
+    /// About how many keys wait for their turn: those that are on their way to us are not counted, or still.
+    [[nodiscard]] std::size_t waiting() const;
     /// No key waits: what has not come by now never will.
     void nothingIsToCome() {
         toCome_ = {};

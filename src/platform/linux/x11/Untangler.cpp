@@ -107,8 +107,19 @@ void Untangler::letGo() {
 }
 
 void Untangler::ask(std::size_t keys) {
-    connections_.step(keys);
-    asked_ += keys;
+    if (keys <= asked_)
+        return;
+    connections_.step(keys - asked_);
+    asked_ = keys;
+}
+
+void Untangler::countQuestions() {
+    (void)connections_.grabs().sync(Deadline(serverDeadline));
+    connections_.readGrabbed(grabbedKeys_);
+    // Of those that found no key the server kept one for the next, or it came already. With one more there is
+    // one in either case.
+    asked_ = grabbedKeys_.size();
+    ask(asked_ + 1);
 }
 
 std::optional<TapKey> Untangler::take() {
@@ -219,24 +230,30 @@ std::size_t Untangler::undo() {
         }
     }
     for (const auto& [key, change] : done_) {
-        if (change.isDown == change.wasDown && change.isOdd)
+        const bool isSame = change.isDown == change.wasDown;
+        if (isSame && !change.isOdd)
+            continue;
+        if (isSame)
             post(!change.wasDown, key);
-        if (change.isDown != change.wasDown || change.isOdd)
-            post(change.wasDown, key);
-        changes += change.isDown != change.wasDown ? 1 : 0;
+        post(change.wasDown, key);
+        changes += isSame ? 2 : 1;
     }
     return changes;
 }
 
 void Untangler::takeAll(bool isFirst) {
     // Synthetic keys that are found at first are what was put in again a moment ago; later, what we undid.
+    calls_.listen();
     postMarker();
-    ask(keysOfMarker);
+    // More than there are does no harm here: the marker is the last of them, and what the user does next may
+    // come as well.
+    ask(connections_.waiting() + keysOfMarker);
     while (const auto key = takeBeforeMarkerEnds()) {
         note(*key);
         if (isFirst)
             caught_.push_back(*key);
     }
+    countQuestions();
     const auto end = listenToPosts();
     if (isFirst)
         heard_ = end;

@@ -49,7 +49,10 @@ public:
                                                        bool isReleased);
 
 private:
+    /// So many shall come, those included that were asked for before.
     void ask(std::size_t keys);
+    /// After more were asked than there may have been keys.
+    void countQuestions();
     [[nodiscard]] std::optional<TapKey> take();
     [[nodiscard]] std::optional<TapKey> takeBeforeMarkerEnds();
     [[nodiscard]] bool isMarker(const TapKey& key) const;
@@ -57,6 +60,7 @@ private:
     void send(bool isPress, xcb_keycode_t key);
     void postMarker();
     void note(const TapKey& key);
+    /// Gives how many changes will come for certain.
     std::size_t undo();
     void settle();
     void noteReleased(const TapKey& swallowed);
