@@ -228,7 +228,10 @@ void TapLoop::hear(const TapKey& heard) {
 }
 
 std::optional<TapKey> TapLoop::takeGrabbed(const TapKey& heard) {
-    return takeGrabbedIf([&](const TapKey& key) { return key.key == heard.key && key.time == heard.time; });
+    // We may have pressed it within the same millisecond.
+    return takeGrabbedIf([&](const TapKey& key) {
+        return key.key == heard.key && key.time == heard.time && key.source == heard.source;
+    });
 }
 
 std::optional<TapKey> TapLoop::takeGrabbedAgain(xcb_keycode_t key) {

@@ -1,10 +1,10 @@
 /// What the tap does with each key, on the tap's own thread.
 ///
 /// Every key is heard; only grabbed presses wait for an answer. What is heard gives the order: a grabbed
-/// press is looked at when the same key (by code and time) is heard, so that it stands rightly among the
-/// modifiers and releases around it. A press counts only when it comes through a grab: the hold key pressed
-/// at a locked screen, or within somebody's menu, is none of ours. Releases and the other modifiers are
-/// taken from what is heard.
+/// press is looked at when the same key (by code, keyboard and time) is heard, so that it stands rightly
+/// among the modifiers and releases around it. A press counts only when it comes through a grab: the hold key
+/// pressed at a locked screen, or within somebody's menu, is none of ours. Releases and the other modifiers
+/// are taken from what is heard.
 ///
 /// A press that is swallowed is answered and, in the same write, released by us on the keyboard on which it
 /// was pressed. The server then holds it for up: other keys go straight through, nothing repeats, and the
