@@ -9,7 +9,7 @@
 /// A press that is swallowed is answered and, in the same write, released by us on the keyboard on which it
 /// was pressed. The server then holds it for up: other keys go straight through, nothing repeats, and the
 /// release that the user makes later reaches nobody but us. What the user pressed between a press and its
-/// answer comes to us behind it, one key at a time, and is posted anew before anything else gets through.
+/// answer comes to us behind it and is posted anew before anything else gets through.
 #pragma once
 
 #include "platform/EventTap.h"

@@ -2,9 +2,9 @@
 /// again as if that key had never been: nothing lost, nothing twice, nothing in another order, and no
 /// modifier of the swallowed key upon it.
 ///
-/// While the keyboard is held, keys come to us one at a time, and whatever we post queues up behind what the
-/// user does. So: everything that waits is taken, up to a marker of ours. Then all keys are brought back to
-/// what they were, a marker, and what the user did is done once more. When the marker comes round and the
+/// While the keyboard is held, keys come to us as we ask for them, and whatever we post queues up behind what
+/// the user does. So: everything that waits is taken, up to a marker of ours. Then all keys are brought back
+/// to what they were, a marker, and what the user did is done once more. When the marker comes round and the
 /// user did nothing meanwhile, the keyboard is let go of right there: what we post the second time goes its
 /// usual way. If the user did something, that is taken in and it begins again.
 ///

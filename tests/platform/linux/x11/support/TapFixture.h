@@ -7,7 +7,9 @@
 #include "tests/platform/linux/x11/support/PrivateServer.h"
 #include "tests/platform/linux/x11/support/TestWindow.h"
 
+#include <atomic>
 #include <gmock/gmock.h>
+#include <thread>
 
 namespace velorin {
 
