@@ -4,6 +4,7 @@
 #include "core/AIReadiness.h"
 #include "core/AISettings.h"
 #include "core/CaptureLog.h"
+#include "core/CleanedTranscript.h"
 #include "core/DictationServices.h"
 #include "core/DictationSession.h"
 #include "core/FinishingFlows.h"
@@ -48,8 +49,11 @@ struct AppModel::Collaborators {
           preview(model, desktop, seams.hud),
           ai(desktop.chatSession, desktop.transcriptionSession, desktop.languageModel, desktop.userAccount),
           selection(seams.selection ? *seams.selection : static_cast<SelectionOperations&>(liveSelection)),
-          flows(model, {ai, aiSettings, selection, seams.hud, desktop.languageModel, desktop.marks}),
-          services{desktop, engine, seams.finishing ? *seams.finishing : flows, selection, seams.hud, tasks},
+          flows(model, {ai, aiSettings, desktop.languageModel, tasks}),
+          services{desktop,   engine,     seams.finishing ? *seams.finishing : flows,
+                   selection, seams.hud,  preview,
+                   history,   captureLog, router,
+                   tasks},
           session(model, services) {}
 
     Platform& platform;
@@ -112,10 +116,12 @@ void AppModel::wireShortcuts() {
         if (active)
             weak->setErrorMessage(std::nullopt);
     };
-    parts_->accessibility.onUnverifiedInsert = [weak] {
-        if (weak)
-            weak->setErrorMessage(
-                tr("Text may not have reached the app — it's in the transcript above if you need Copy."));
+    parts_->accessibility.onUnverifiedInsert = [weak](const QString& text) {
+        if (!weak)
+            return;
+        weak->setUndeliveredText(text);
+        weak->setErrorMessage(
+            tr("Text may not have reached the app — it's in the transcript above if you need Copy."));
     };
     parts_->paste.onUnverifiedPaste = parts_->accessibility.onUnverifiedInsert;
 }
@@ -148,34 +154,34 @@ void AppModel::handleShortcutEvent(ShortcutEvent event) { parts_->session.handle
 void AppModel::toggleDictation() { parts_->session.toggleDictation(); }
 QCoro::Task<> AppModel::start() { return parts_->session.start(); }
 QCoro::Task<> AppModel::stop() { return parts_->session.stop(); }
-void AppModel::finishDictation(const QString& cleaned, const QString& raw) {
-    parts_->session.finishDictation(cleaned, raw);
-}
 void AppModel::refreshCleaned() { parts_->session.refreshCleaned(); }
-QString AppModel::cleanedTextForCurrentMode() const { return parts_->session.cleanedTextForCurrentMode(); }
+QString AppModel::cleanedTextForCurrentMode() const {
+    return cleanedTranscript(finalizedText() + volatileText(), *this, activeProfile());
+}
 void AppModel::pushLevel(float value) { parts_->session.pushLevel(value); }
 void AppModel::contextModeChanged() { parts_->session.contextModeChanged(); }
-void AppModel::previewOverlay() { parts_->preview.show(); }
+void AppModel::previewOverlay() {
+    if (parts_->session.isIdle())
+        parts_->preview.show();
+}
 const DictationShortcutSessionController& AppModel::shortcutSession() const {
     return parts_->session.shortcutSession();
 }
 bool AppModel::isSettled() const { return parts_->tasks.isIdle(); }
 
-void AppModel::insertText(const QString& text, const std::optional<RunningApplication>& target) {
-    parts_->router.insertText(text, target);
-}
-void AppModel::insertIntoFrontmostApp(const std::optional<RunningApplication>& target) {
-    parts_->router.insertIntoFrontmostApp(target);
+bool AppModel::insertText(const QString& text, const std::optional<RunningApplication>& target) {
+    return parts_->router.insertText(text, target);
 }
 void AppModel::pasteAgain() { parts_->router.pasteAgain(); }
 
 void AppModel::recordHistory(const QString& raw, const QString& cleaned) {
-    parts_->history.record(raw, cleaned);
+    parts_->history.record(raw, cleaned, targetApp());
 }
 void AppModel::deleteHistory(const DictationRecord& record) { parts_->history.remove(record); }
 void AppModel::clearHistory() { parts_->history.clear(); }
 void AppModel::captureDictation(const QString& raw, const QString& cleaned, const QString& kind) {
-    parts_->captureLog.capture(raw, cleaned, kind);
+    parts_->captureLog.capture(raw, cleaned, kind, targetApp());
+    parts_->captureLog.countLater();
 }
 void AppModel::refreshCaptureStatus() { parts_->captureLog.refreshStatus(); }
 void AppModel::revealCaptureFile() { parts_->captureLog.reveal(); }

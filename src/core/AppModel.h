@@ -55,7 +55,6 @@ public:
     Q_INVOKABLE void toggleDictation();
     QCoro::Task<> start();
     QCoro::Task<> stop();
-    void finishDictation(const QString& cleaned, const QString& raw);
     void refreshCleaned();
     [[nodiscard]] QString cleanedTextForCurrentMode() const;
     void pushLevel(float value);
@@ -67,8 +66,9 @@ public:
     [[nodiscard]] bool isSettled() const;
 
     // Delivery.
-    void insertText(const QString& text, const std::optional<RunningApplication>& target);
-    void insertIntoFrontmostApp(const std::optional<RunningApplication>& target);
+    /// True when it was delivered.
+    bool insertText(const QString& text, const std::optional<RunningApplication>& target);
+    /// What could not be delivered, else the last text, into what is in front now.
     void pasteAgain();
 
     // What is kept.

@@ -53,6 +53,8 @@ class AppState : public QObject {
                    setRemoteTranscriptionThisSession NOTIFY remoteTranscriptionThisSessionChanged)
     Q_PROPERTY(QString lastInsertedText READ lastInsertedText WRITE setLastInsertedText NOTIFY
                    lastInsertedTextChanged)
+    Q_PROPERTY(
+        QString undeliveredText READ undeliveredText WRITE setUndeliveredText NOTIFY undeliveredTextChanged)
     Q_PROPERTY(QStringList customVocabulary READ customVocabulary WRITE setCustomVocabulary NOTIFY
                    customVocabularyChanged)
     Q_PROPERTY(bool autoInsert READ autoInsert WRITE setAutoInsert NOTIFY autoInsertChanged)
@@ -138,6 +140,9 @@ public:
     void setSessionGeneration(qint64 value) { sessionGeneration_ = value; }
     [[nodiscard]] QString lastInsertedText() const { return lastInsertedText_; }
     void setLastInsertedText(QString value) { lastInsertedText_ = std::move(value); }
+    /// What did not reach its place, until something else has.
+    [[nodiscard]] QString undeliveredText() const { return undeliveredText_; }
+    void setUndeliveredText(QString value) { undeliveredText_ = std::move(value); }
     // Dictation, as the user wants it.
     [[nodiscard]] Language language() const { return language_; }
     void setLanguage(Language value) { language_ = value; }
@@ -258,6 +263,7 @@ Q_SIGNALS:
     void remoteTranscriptionThisSessionChanged();
     void sessionGenerationChanged();
     void lastInsertedTextChanged();
+    void undeliveredTextChanged();
     void languageChanged();
     void cleanModeChanged();
     void customVocabularyChanged();
@@ -335,6 +341,7 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, qint64, sessionGeneration_, 0,
                                          &AppState::sessionGenerationChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, QString, lastInsertedText_, &AppState::lastInsertedTextChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, QString, undeliveredText_, &AppState::undeliveredTextChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, Language, language_, Language::englishUS,
                                          &AppState::languageChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, CleanMode, cleanMode_, CleanMode::rules,

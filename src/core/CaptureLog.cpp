@@ -41,20 +41,24 @@ QString CaptureLog::filePath() const {
     return platform_.folders.dataFolder() + u"/dictation-capture.jsonl"_s;
 }
 
-void CaptureLog::capture(const QString& raw, const QString& cleaned, const QString& kind) {
+void CaptureLog::capture(const QString& raw, const QString& cleaned, const QString& kind,
+                         const std::optional<RunningApplication>& target) {
     if (!model_.captureDictations())
         return;
     const QString trimmed = WhiteSpace::trimmed(raw, WhiteSpace::Set::whitespacesAndNewlines).toString();
     if (trimmed.isEmpty())
         return;
-    const auto target = model_.targetApp();
     const QJsonObject line{{u"at"_s, platform_.clock.now().toUTC().toString(Qt::ISODate)},
                            {u"app"_s, target ? target->localizedName.value_or(QString()) : QString()},
                            {u"kind"_s, kind},
                            {u"raw"_s, trimmed},
                            {u"cleaned"_s, cleaned}};
     PrivateFiles::appendLine(filePath(), QJsonDocument(line).toJson(QJsonDocument::Compact));
-    refreshStatus();
+}
+
+void CaptureLog::countLater() {
+    if (model_.captureDictations())
+        refreshStatus();
 }
 
 void CaptureLog::mend() {

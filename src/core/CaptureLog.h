@@ -2,6 +2,8 @@
 /// default. No failure interrupts a dictation. Main thread, synchronous.
 #pragma once
 
+#include "platform/RunningApplication.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -18,7 +20,10 @@ public:
 
     /// `kind` is "dictation", "generate" or "edit". Nothing is written while the log is switched off or for a
     /// raw text without a visible character.
-    void capture(const QString& raw, const QString& cleaned, const QString& kind);
+    void capture(const QString& raw, const QString& cleaned, const QString& kind,
+                 const std::optional<RunningApplication>& target);
+    /// Brings the summary up to date, if there is a log to sum up.
+    void countLater();
     /// Takes away half a line that a killed process has left.
     void mend();
     void refreshStatus();

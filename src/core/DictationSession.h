@@ -1,17 +1,22 @@
 /// A dictation from the shortcut or the menu to the delivered text, step by step.
 ///
 /// All on the main thread: start() and stop() are tasks that interleave at their waits only, and several may
-/// be alive at once. After each wait the model is read anew. The model's session generation, counted up by
-/// each launched session, is what tells a late result from a current one; no task is ever cancelled for it.
+/// be alive at once. Each works for a dictation of its own (Dictation.h) and shows it in the model's fields
+/// only while it is the newest. What was said is delivered once, in the order in which it was spoken
+/// (DictationLine.h), whatever begins meanwhile.
 #pragma once
 
-#include "platform/RunningApplication.h"
-#include "shortcuts/DictationShortcutSessionController.h"
+#include "core/DictationLine.h"
+#include "core/Ending.h"
+#include "core/EndingChoice.h"
+#include "core/FinishingOperations.h"
+#include "speech/SpeechEngineError.h"
 
 #include <QCoro/QCoroTask>
 #include <QString>
 
 #include <optional>
+#include <tl/expected.hpp>
 
 namespace velorin {
 
@@ -21,6 +26,8 @@ struct DictationServices;
 class DictationSession final {
 public:
     DictationSession(AppModel& model, DictationServices& services);
+    /// What still waits is never resumed; recordings go.
+    ~DictationSession();
 
     /// An edge of the shortcuts.
     void handleShortcutEvent(ShortcutEvent event);
@@ -30,18 +37,14 @@ public:
     QCoro::Task<> start();
     QCoro::Task<> stop();
 
-    /// The common end of a plain dictation: keeps the text, then delivers it.
-    void finishDictation(const QString& cleaned, const QString& raw);
-
     /// Recomputes the live preview from the whole transcript.
     void refreshCleaned();
-    /// What a plain dictation would deliver now.
-    [[nodiscard]] QString cleanedTextForCurrentMode() const;
 
     void pushLevel(float value);
-    void resolveContextProfile(const std::optional<RunningApplication>& application);
     void contextModeChanged();
 
+    /// Nothing is listened to, recognised or delivered.
+    [[nodiscard]] bool isIdle() const { return line_.isEmpty(); }
     [[nodiscard]] const DictationShortcutSessionController& shortcutSession() const {
         return shortcutSession_;
     }
@@ -49,18 +52,45 @@ public:
 private:
     void perform(const DictationShortcutAction& action);
     void beginSession();
-    QCoro::Task<> readSurroundings();
+    [[nodiscard]] SharedDictation launching() const;
+
+    // The start, in the order of its steps.
+    void aim(Dictation& dictation);
+    void resolveContextProfile(Dictation& dictation);
+    QCoro::Task<> readSurroundings(SharedDictation dictation);
     void resetTranscript();
-    void installEngineCallbacks();
-    void enterListening();
-    void failToStart(const QString& description);
-    QCoro::Task<> finish(qint64 generation);
-    [[nodiscard]] bool targetIsAnotherApplication() const;
-    [[nodiscard]] QString joinedTranscript() const;
+    QCoro::Task<tl::expected<void, SpeechEngineError>> openMicrophone(SharedDictation dictation);
+    QCoro::Task<tl::expected<void, SpeechEngineError>> openMicrophoneFirst(SharedDictation dictation);
+    void prepareEngine(const SharedDictation& dictation);
+    void enterListening(Dictation& dictation);
+    void endUnheard(Dictation& dictation);
+    void failToStart(Dictation& dictation, const QString& description);
+
+    // The stop, likewise.
+    QCoro::Task<> end(SharedDictation dictation);
+    QCoro::Task<> takeProvidersTranscript(SharedDictation dictation);
+    QCoro::Task<Ending> endingOf(SharedDictation dictation);
+    QCoro::Task<> conclude(SharedDictation dictation, Ending ending);
+    void keep(const Dictation& dictation, const Ending& ending);
+    void deliver(const Dictation& dictation, const Ending& ending);
+    void setAside(const Ending& ending);
+    [[nodiscard]] QString selectionChanged() const;
+    void showEnd(const Dictation& dictation, const Ending& ending);
+    void hideUnlessNeeded();
+
+    [[nodiscard]] FinishingOperations::Asking asking(const SharedDictation& dictation);
+    void showProcessing(Dictation& dictation, AIProcessing processing);
+    void hear(Dictation& dictation, const QString& text, bool isFinal);
+    [[nodiscard]] bool isNewest(const Dictation& dictation) const { return newest_.get() == &dictation; }
+    [[nodiscard]] bool isAnotherApplication(const Dictation& dictation) const;
 
     AppModel& model_;
     DictationServices& services_;
     DictationShortcutSessionController shortcutSession_;
+    DictationLine line_;
+    SharedDictation newest_; ///< Which the model shows; also after its end.
+    SharedDictation asked_;  ///< Asked for last; not shown before the microphone is granted.
+    bool isOverlayUp_ = false;
 };
 
 } // namespace velorin

@@ -4,17 +4,14 @@
 #include "core/AIReadiness.h"
 #include "core/AISettings.h"
 #include "core/AppModel.h"
-#include "core/Overlay.h"
-#include "core/SelectionOperations.h"
+#include "core/GenerateTrigger.h"
+#include "core/Overtaken.h"
 #include "platform/Background.h"
-#include "platform/LatencyMarks.h"
 #include "platform/Log.h"
 #include "text/Graphemes.h"
 #include "text/WhiteSpace.h"
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QPointer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -24,196 +21,140 @@ namespace {
 /// Shorter dictations are not worth a model's time, and are where models answer instead of editing.
 constexpr qsizetype fewestPolishedWords = 4;
 
-QString trimmed(const QString& text) {
-    return WhiteSpace::trimmed(text, WhiteSpace::Set::whitespacesAndNewlines).toString();
+bool isWorthPolishing(const QString& base) {
+    return !WhiteSpace::trimmed(base, WhiteSpace::Set::whitespacesAndNewlines).isEmpty() &&
+           PolishGuard::words(base).size() >= fewestPolishedWords;
 }
 
 QString length(const QString& text) { return QString::number(Graphemes::count(text)); }
 
-QString bundleName(const AppModel& model) {
-    const auto target = model.targetApp();
-    return target ? target->bundleIdentifier.value_or(u"nil"_s) : u"nil"_s;
+QString bundleName(const Dictation& dictation) {
+    return dictation.target ? dictation.target->bundleIdentifier.value_or(u"nil"_s) : u"nil"_s;
 }
 
-/// The session that a flow works for, to be asked after each wait.
-class Session final {
-public:
-    Session(AppModel& model, qint64 generation) : model_(&model), generation_(generation) {}
+/// A reply may have any length: it is judged where nobody waits for it.
+QCoro::Task<std::optional<QString>> rejection(QString polished, QString base) {
+    auto judging = inBackground([polished, base] { return PolishGuard::rejection(polished, base); });
+    co_return co_await judging;
+}
 
-    [[nodiscard]] bool isThere() const { return !model_.isNull(); }
-    [[nodiscard]] bool isCurrent() const { return model_ && model_->sessionGeneration() == generation_; }
+Ending refused(const QString& kind, const QString& problem) {
+    return {.text = {}, .raw = {}, .kind = kind, .problem = problem, .keepsStatus = true, .replaces = {}};
+}
 
-private:
-    QPointer<AppModel> model_;
-    qint64 generation_;
-};
-
-/// A recording that nobody needs afterwards.
-class PassingFile final {
-public:
-    explicit PassingFile(QString path) : path_(std::move(path)) {}
-    PassingFile(const PassingFile&) = delete;
-    PassingFile& operator=(const PassingFile&) = delete;
-    ~PassingFile() { QFile::remove(path_); }
-
-private:
-    QString path_;
-};
+Ending failed(const QString& kind, const AIFailure& failure) {
+    const QString reason = description(failure);
+    qCCritical(aiLog).noquote() << u"%1 failed: %2"_s.arg(kind, reason);
+    return {.text = {}, .raw = {}, .kind = kind, .problem = reason, .replaces = {}};
+}
 
 } // namespace
 
 bool FinishingFlows::aiConfigured() const {
-    return AIReadiness::isConfigured(model_, near_.languageModel.isAvailable());
+    return AIReadiness::isConfigured(state_, near_.languageModel.isAvailable());
 }
 
 bool FinishingFlows::providerTranscriptionActive() const {
-    return AIReadiness::transcribes(model_, near_.languageModel.isAvailable());
+    return AIReadiness::transcribes(state_, near_.languageModel.isAvailable());
 }
 
 std::optional<AIConfiguration> FinishingFlows::configuration() const {
     return near_.settings.configuration(near_.languageModel.isAvailable());
 }
 
-QCoro::Task<> FinishingFlows::transcribeWithProvider(QString audioPath, qint64 generation) {
-    const PassingFile file(audioPath);
-    const Session session(model_, generation);
-    const auto with = session.isCurrent() ? configuration() : std::nullopt;
+QCoro::Task<FinishingOperations::Transcription> FinishingFlows::transcribed(SharedDictation dictation,
+                                                                            Asking asking) {
+    const auto with = dictation->isOvertaken ? std::nullopt : configuration();
     if (!with)
-        co_return;
-    model_.setStatus(u"Transcribing…"_s);
-    model_.setOverlayPhase(OverlayPhase::processing);
-    model_.setAIProcessing(AIProcessing::transcribe);
-    const QString vocabulary = model_.customVocabulary().join(u", "_s);
-    const QString language = rawString(model_.language()).left(2);
+        co_return Transcription{};
+    asking(AIProcessing::transcribe);
+    const QString vocabulary = state_.customVocabulary().join(u", "_s);
+    const QString language = rawString(state_.language()).left(2);
     QElapsedTimer clock;
     clock.start();
-    const AIResult text = co_await near_.service.transcribe(audioPath, model_.aiTranscriptionModel(),
-                                                            vocabulary, language, *with);
-    if (!session.isCurrent())
-        co_return;
-    if (!text) {
+    const auto answer = co_await unlessOvertaken(near_.tasks, dictation,
+                                                 near_.service.transcribe(dictation->recording->path(),
+                                                                          state_.aiTranscriptionModel(),
+                                                                          vocabulary, language, *with));
+    if (!answer)
+        co_return Transcription{};
+    if (const AIResult& text = *answer; !text) {
         const QString reason = description(text.error());
         qCCritical(aiLog).noquote() << u"provider transcription failed: %1"_s.arg(reason);
-        model_.setErrorMessage(
-            AppModel::tr("Provider transcription failed; used Apple’s on-device transcript. ") + reason);
-        co_return;
+        co_return Transcription{
+            {}, AppModel::tr("Provider transcription failed; used Apple’s on-device transcript. ") + reason};
     }
-    model_.setFinalizedText(*text);
-    model_.setVolatileText({});
-    model_.refreshCleaned();
     qCInfo(aiLog).noquote() << u"transcription ok: provider=%1 chars=%2 ms=%3"_s.arg(
-        rawString(with->provider), length(*text), QString::number(clock.elapsed()));
+        rawString(with->provider), length(**answer), QString::number(clock.elapsed()));
+    co_return Transcription{**answer, {}};
 }
 
-QCoro::Task<> FinishingFlows::finishPolish(QString base, QString raw, qint64 generation) {
-    const bool isWorthIt = !trimmed(base).isEmpty() && PolishGuard::words(base).size() >= fewestPolishedWords;
-    const auto with = isWorthIt ? configuration() : std::nullopt;
-    if (!with) {
-        model_.finishDictation(base, raw);
-        co_return;
-    }
-    model_.setCleanedText(base);
-    model_.setStatus(u"Polishing…"_s);
-    model_.setOverlayPhase(OverlayPhase::processing);
-    model_.setAIProcessing(AIProcessing::polish);
-    qCInfo(aiLog).noquote() << u"polish request: app=%1 chars=%2"_s.arg(bundleName(model_), length(base));
-    const Session session(model_, generation);
-    const AIResult reply = co_await near_.service.polish(base, model_.activeProfile(), *with);
-    if (!session.isCurrent())
-        co_return;
+QCoro::Task<Ending> FinishingFlows::polished(SharedDictation dictation, QString base, Asking asking) {
+    const Ending plain = Ending::plain(base, dictation->transcript());
+    const bool isToAsk = !dictation->isOvertaken && isWorthPolishing(base);
+    const auto with = isToAsk ? configuration() : std::nullopt;
+    if (!with)
+        co_return plain;
+    asking(AIProcessing::polish);
+    qCInfo(aiLog).noquote() << u"polish request: app=%1 chars=%2"_s.arg(bundleName(*dictation), length(base));
+    const auto answer = co_await unlessOvertaken(near_.tasks, dictation,
+                                                 near_.service.polish(base, dictation->profile, *with));
+    if (!answer)
+        co_return plain;
+    const AIResult& reply = *answer;
     if (!reply) {
         qCCritical(aiLog).noquote() << u"polish failed: %1"_s.arg(description(reply.error()));
-        model_.finishDictation(base, raw);
-        co_return;
+        co_return plain;
     }
-    // A reply may have any length: it is judged where nobody waits for it.
-    auto judging = inBackground([polished = *reply, base] { return PolishGuard::rejection(polished, base); });
-    const auto reason = co_await judging;
-    if (!session.isCurrent())
-        co_return;
-    if (reason)
-        qCInfo(aiLog).noquote() << u"polish rejected: reason=%1 chars=%2"_s.arg(*reason, length(*reply));
-    model_.finishDictation(reason ? base : *reply, raw);
+    const auto reason = co_await unlessOvertaken(near_.tasks, dictation, rejection(*reply, base));
+    if (!reason)
+        co_return plain;
+    if (*reason) {
+        qCInfo(aiLog).noquote() << u"polish rejected: reason=%1 chars=%2"_s.arg(**reason, length(*reply));
+        co_return plain;
+    }
+    co_return Ending::plain(*reply, dictation->transcript());
 }
 
-QCoro::Task<> FinishingFlows::finishGenerate(QString instruction, std::optional<QString> context,
-                                             qint64 generation) {
-    model_.setIsGenerateSession(true);
-    model_.setIsEditSession(false);
-    model_.setStatus(u"Generating…"_s);
-    model_.setOverlayPhase(OverlayPhase::processing);
-    model_.setAIProcessing(AIProcessing::generate);
-    if (instruction.isEmpty()) {
-        endWithError(AppModel::tr("Say what to generate after “%1”.").arg(model_.generateTriggerDisplay()));
-        co_return;
-    }
+QCoro::Task<Ending> FinishingFlows::generated(SharedDictation dictation, QString instruction,
+                                              std::optional<QString> context, Asking asking) {
+    const QString kind = u"generate"_s;
+    asking(AIProcessing::generate);
+    if (instruction.isEmpty())
+        co_return refused(kind, AppModel::tr("Say what to generate after “%1”.")
+                                    .arg(GenerateTrigger::display(state_.aiGenerateTrigger())));
     const auto with = configuration();
-    if (!with) {
-        endWithError(notConfiguredMessage());
-        co_return;
-    }
+    if (!with)
+        co_return refused(kind, notConfiguredMessage());
     qCInfo(aiLog).noquote() << u"generate request: app=%1 instruction=%2 context=%3 chars"_s.arg(
-        bundleName(model_), length(instruction), length(context.value_or(QString())));
-    const Session session(model_, generation);
-    const AIResult reply =
-        co_await near_.service.generate(instruction, context, model_.activeProfile(), *with);
-    if (!session.isCurrent()) {
-        if (session.isThere() && reply)
-            qCInfo(aiLog).noquote() << u"discarding stale generate result"_s;
-        co_return;
-    }
-    if (!reply) {
-        endAsked(u"generate"_s, reply.error());
-        co_return;
-    }
-    keep(instruction, *reply, u"generate"_s);
-    deliver(*reply);
+        bundleName(*dictation), length(instruction), length(context.value_or(QString())));
+    const AIResult reply = co_await near_.service.generate(instruction, context, dictation->profile, *with);
+    if (!reply)
+        co_return failed(kind, reply.error());
+    co_return Ending{.text = *reply, .raw = instruction, .kind = kind, .problem = {}, .replaces = {}};
 }
 
-QCoro::Task<> FinishingFlows::finishEdit(SelectionSnapshot selection) {
-    const Session session(model_, model_.sessionGeneration());
-    model_.setStatus(u"Rewriting…"_s);
-    model_.setOverlayPhase(OverlayPhase::processing);
-    model_.setAIProcessing(AIProcessing::edit);
-    const QString instruction = trimmed(model_.finalizedText() + model_.volatileText());
-    if (instruction.isEmpty()) {
-        endWithError(AppModel::tr("No instruction heard. Select text and say what to change."));
-        co_return;
-    }
+QCoro::Task<Ending> FinishingFlows::edited(SharedDictation dictation, QString instruction, Asking asking) {
+    const QString kind = u"edit"_s;
+    asking(AIProcessing::edit);
+    if (instruction.isEmpty())
+        co_return refused(kind, AppModel::tr("No instruction heard. Select text and say what to change."));
     const auto with = configuration();
-    if (!with) {
-        endWithError(notConfiguredMessage());
-        co_return;
-    }
+    if (!with)
+        co_return refused(kind, notConfiguredMessage());
+    const SelectionSnapshot selection = *dictation->selection;
     qCInfo(aiLog).noquote() << u"edit request: app=%1 selection=%2 instruction=%3 chars"_s.arg(
-        bundleName(model_), length(selection.text), length(instruction));
+        bundleName(*dictation), length(selection.text), length(instruction));
     const AIResult reply =
-        co_await near_.service.edit(selection.text, instruction, model_.activeProfile(), *with);
-    if (!session.isCurrent()) {
-        if (session.isThere() && reply)
-            qCInfo(aiLog).noquote() << u"discarding stale edit result"_s;
-        co_return;
-    }
-    if (!reply) {
-        endAsked(u"edit"_s, reply.error());
-        co_return;
-    }
-    keep(instruction, *reply, u"edit"_s);
-    const bool isStillSelected = co_await near_.selection.isStillSelected(selection);
-    if (!session.isCurrent())
-        co_return;
-    if (isStillSelected)
-        deliver(*reply);
-    else if (model_.historyEnabled())
-        endWithError(
-            AppModel::tr("The selection changed before the rewrite finished — the result is in History."));
-    else
-        endWithError(AppModel::tr("The selection changed before the rewrite finished."));
+        co_await near_.service.edit(selection.text, instruction, dictation->profile, *with);
+    if (!reply)
+        co_return failed(kind, reply.error());
+    co_return Ending{.text = *reply, .raw = instruction, .kind = kind, .problem = {}, .replaces = selection};
 }
 
 QCoro::Task<QString> FinishingFlows::testAIConnection() {
     const auto with = configuration();
-    const bool isOnDevice = model_.aiProvider() == AIProvider::apple;
+    const bool isOnDevice = state_.aiProvider() == AIProvider::apple;
     if (!with)
         co_return isOnDevice ? near_.service.appleIntelligenceAvailabilityDescription()
                              : AppModel::tr("Add an endpoint, model, and key first.");
@@ -226,43 +167,10 @@ QCoro::Task<QString> FinishingFlows::testAIConnection() {
 }
 
 QString FinishingFlows::notConfiguredMessage() const {
-    if (model_.aiProvider() == AIProvider::apple)
+    if (state_.aiProvider() == AIProvider::apple)
         return AppModel::tr("Apple Intelligence is unavailable. ") +
                near_.service.appleIntelligenceAvailabilityDescription();
     return AppModel::tr("AI isn't configured. Add an endpoint, model and key in Settings.");
-}
-
-void FinishingFlows::endWithError(const QString& message) {
-    model_.setErrorMessage(message);
-    model_.setOverlayPhase(OverlayPhase::error);
-    hideUnlessRecording();
-}
-
-void FinishingFlows::endAsked(const QString& what, const AIFailure& failure) {
-    const QString reason = description(failure);
-    qCCritical(aiLog).noquote() << u"%1 failed: %2"_s.arg(what, reason);
-    model_.setStatus(u"Idle"_s);
-    endWithError(reason);
-}
-
-void FinishingFlows::keep(const QString& instruction, const QString& reply, const QString& kind) {
-    near_.marks.mark(Stage::cleaned);
-    model_.setCleanedText(reply);
-    model_.captureDictation(instruction, reply, kind);
-    model_.recordHistory(instruction, reply);
-}
-
-void FinishingFlows::deliver(const QString& reply) {
-    model_.setStatus(u"Idle"_s);
-    model_.setOverlayPhase(OverlayPhase::done);
-    if (model_.autoInsert())
-        model_.insertText(reply, model_.targetApp());
-    hideUnlessRecording();
-}
-
-void FinishingFlows::hideUnlessRecording() {
-    if (!model_.isRecording())
-        near_.hud.hide();
 }
 
 } // namespace velorin

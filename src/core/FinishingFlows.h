@@ -1,10 +1,9 @@
 /// What AI makes of a dictation that ends: its polished form, a rewritten selection, new text, or the
 /// provider's transcript.
 ///
-/// The user's words are never lost because of AI: a polish that fails or is not to be trusted leaves the
-/// plain text, a transcription that fails the recogniser's, and a rewrite whose selection has gone its result
-/// in the history. Every flow looks after each wait whether the session that it works for is still the
-/// model's; if not, it leaves no trace. Main thread.
+/// The user's words are never lost because of AI: a polish that fails, comes too late or is not to be trusted
+/// leaves the plain text, a transcription likewise the recogniser's. Nothing is shown, kept or inserted here.
+/// Main thread.
 #pragma once
 
 #include "ai/AIService.h"
@@ -13,10 +12,8 @@
 namespace velorin {
 
 class AISettings;
-class AppModel;
-class LatencyMarks;
-class Overlay;
-class SelectionOperations;
+class AppState;
+class MainTasks;
 
 class FinishingFlows final : public FinishingOperations {
 public:
@@ -24,21 +21,19 @@ public:
     struct Neighbours {
         AIService& service;
         const AISettings& settings;
-        SelectionOperations& selection;
-        Overlay& hud;
         const LanguageModel& languageModel;
-        LatencyMarks& marks;
+        MainTasks& tasks;
     };
 
-    FinishingFlows(AppModel& model, Neighbours neighbours) : model_(model), near_(neighbours) {}
+    FinishingFlows(const AppState& state, Neighbours neighbours) : state_(state), near_(neighbours) {}
 
     [[nodiscard]] bool aiConfigured() const override;
     [[nodiscard]] bool providerTranscriptionActive() const override;
-    QCoro::Task<> transcribeWithProvider(QString audioPath, qint64 generation) override;
-    QCoro::Task<> finishGenerate(QString instruction, std::optional<QString> context,
-                                 qint64 generation) override;
-    QCoro::Task<> finishEdit(SelectionSnapshot selection) override;
-    QCoro::Task<> finishPolish(QString base, QString raw, qint64 generation) override;
+    QCoro::Task<Transcription> transcribed(SharedDictation dictation, Asking asking) override;
+    QCoro::Task<Ending> generated(SharedDictation dictation, QString instruction,
+                                  std::optional<QString> context, Asking asking) override;
+    QCoro::Task<Ending> edited(SharedDictation dictation, QString instruction, Asking asking) override;
+    QCoro::Task<Ending> polished(SharedDictation dictation, QString base, Asking asking) override;
 
     /// A line for the user; failures are lines as well.
     QCoro::Task<QString> testAIConnection();
@@ -46,14 +41,8 @@ public:
 private:
     [[nodiscard]] std::optional<AIConfiguration> configuration() const;
     [[nodiscard]] QString notConfiguredMessage() const;
-    /// `status` keeps its value unless the flow had begun to ask.
-    void endWithError(const QString& message);
-    void endAsked(const QString& what, const AIFailure& failure);
-    void keep(const QString& instruction, const QString& reply, const QString& kind);
-    void deliver(const QString& reply);
-    void hideUnlessRecording();
 
-    AppModel& model_;
+    const AppState& state_;
     Neighbours near_;
 };
 

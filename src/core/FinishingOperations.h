@@ -1,19 +1,31 @@
 /// What AI can make of a dictation when it ends. A port: sessions are tested without a provider.
 ///
-/// The waits resume on the main thread. A session that has been replaced by a newer one in the meantime
-/// (its generation is no longer the model's) leaves no trace.
+/// Each takes a dictation and gives what it comes to; it shows, keeps and inserts nothing itself. The waits
+/// resume on the main thread. What a newer dictation overtakes gives what the machine has by itself, at once;
+/// only what answers an instruction is waited for to the end, since nothing else could answer it.
 #pragma once
 
-#include "delivery/SelectionSnapshot.h"
+#include "core/Dictation.h"
+#include "core/Ending.h"
+#include "core/ModelTypes.h"
 
 #include <QCoro/QCoroTask>
 
-#include <optional>
+#include <functional>
 
 namespace velorin {
 
 class FinishingOperations {
 public:
+    /// Called when it begins to be worth showing, with what is being done.
+    using Asking = std::function<void(AIProcessing)>;
+
+    /// The provider's words, none when the recogniser's are to be taken; and why, if it is its fault.
+    struct Transcription {
+        std::optional<QString> text;
+        std::optional<QString> problem;
+    };
+
     virtual ~FinishingOperations() = default;
 
     /// Whether a provider is ready for use.
@@ -21,12 +33,13 @@ public:
     /// Whether recordings go to the provider for transcription.
     [[nodiscard]] virtual bool providerTranscriptionActive() const = 0;
 
-    /// Replaces the transcript by the provider's, and deletes the file whatever happens.
-    virtual QCoro::Task<> transcribeWithProvider(QString audioPath, qint64 generation) = 0;
-    virtual QCoro::Task<> finishGenerate(QString instruction, std::optional<QString> context,
-                                         qint64 generation) = 0;
-    virtual QCoro::Task<> finishEdit(SelectionSnapshot selection) = 0;
-    virtual QCoro::Task<> finishPolish(QString base, QString raw, qint64 generation) = 0;
+    /// Reads the dictation's recording, and leaves it where it is.
+    virtual QCoro::Task<Transcription> transcribed(SharedDictation dictation, Asking asking) = 0;
+    virtual QCoro::Task<Ending> generated(SharedDictation dictation, QString instruction,
+                                          std::optional<QString> context, Asking asking) = 0;
+    virtual QCoro::Task<Ending> edited(SharedDictation dictation, QString instruction, Asking asking) = 0;
+    /// `base` is the plain text, which it falls back to.
+    virtual QCoro::Task<Ending> polished(SharedDictation dictation, QString base, Asking asking) = 0;
 };
 
 } // namespace velorin

@@ -28,13 +28,13 @@ void History::load() {
     model_.setHistory(std::move(*records));
 }
 
-void History::record(const QString& raw, const QString& cleaned) {
+void History::record(const QString& raw, const QString& cleaned,
+                     const std::optional<RunningApplication>& target) {
     if (!model_.historyEnabled())
         return;
     const QString text = WhiteSpace::trimmed(cleaned, WhiteSpace::Set::whitespacesAndNewlines).toString();
     if (text.isEmpty())
         return;
-    const auto target = model_.targetApp();
     const DictationRecord record{
         .id = QUuid::createUuid(),
         .date = clock_.now(),

@@ -5,6 +5,9 @@
 #pragma once
 
 #include "core/DictationRecord.h"
+#include "platform/RunningApplication.h"
+
+#include <optional>
 
 namespace velorin {
 
@@ -25,7 +28,7 @@ public:
     /// file stays as it is until the first change, which keeps it as "history.unreadable.json".
     void load();
     /// Nothing happens while the history is switched off or for a text without a visible character.
-    void record(const QString& raw, const QString& cleaned);
+    void record(const QString& raw, const QString& cleaned, const std::optional<RunningApplication>& target);
     void remove(const DictationRecord& record);
     void clear();
 

@@ -31,22 +31,20 @@ InsertionRouter::InsertionRouter(AppModel& model, Platform& platform, AXInsertSe
                                  TypingService& typing, PasteService& paste)
     : model_(model), platform_(platform), accessibility_(accessibility), typing_(typing), paste_(paste) {}
 
-void InsertionRouter::insertText(const QString& text, const Target& target) {
+bool InsertionRouter::insertText(const QString& text, const Target& target) {
     if (WhiteSpace::trimmed(text, WhiteSpace::Set::whitespacesAndNewlines).isEmpty())
-        return;
+        return false;
     if (!platform_.trust.isProcessTrusted()) {
         model_.setAccessibilityGranted(false);
-        model_.setErrorMessage(AppModel::tr(
-            "Text is ready, but Accessibility permission is needed to type it into other apps."));
-        return;
+        return undelivered(
+            text, AppModel::tr(
+                      "Text is ready, but Accessibility permission is needed to type it into other apps."));
     }
     model_.setLastInsertedText(text);
     const auto application = target ? target : platform_.workspace.frontmostApplication();
     if (!bringToFront(application)) {
         qCInfo(insertLog).noquote() << u"insertion stopped: another window is in front"_s;
-        model_.setErrorMessage(
-            AppModel::tr("Text was not inserted: another window is in front. Use copy again to insert it."));
-        return;
+        return undelivered(text, AppModel::tr("Text was not inserted: another window is in front."));
     }
     const auto reason = model_.useDirectInsertion() ? pasteReason(application) : std::nullopt;
     qCInfo(insertLog).noquote() << u"insertion policy: app=%1 preferPaste=%2 reason=%3"_s.arg(
@@ -56,7 +54,15 @@ void InsertionRouter::insertText(const QString& text, const Target& target) {
     const bool isTaken = isOurs ? platform_.workspace.insertIntoOwnWindow(text) && delivered(u"own window"_s)
                                 : tryAll(text, application, reason);
     if (!isTaken)
-        model_.setErrorMessage(AppModel::tr("Could not insert text. Check Accessibility permission."));
+        return undelivered(text, AppModel::tr("Could not insert text. Check Accessibility permission."));
+    model_.setUndeliveredText({});
+    return true;
+}
+
+bool InsertionRouter::undelivered(const QString& text, const QString& message) {
+    model_.setUndeliveredText(text);
+    model_.setErrorMessage(message);
+    return false;
 }
 
 bool InsertionRouter::bringToFront(const Target& application) {
@@ -90,7 +96,6 @@ bool InsertionRouter::tryDirect(const QString& text, const Target& application) 
 }
 
 bool InsertionRouter::delivered(const QString& path) {
-    platform_.marks.mark(Stage::delivered);
     qCInfo(insertLog).noquote() << u"insertion path: %1"_s.arg(path);
     return true;
 }
@@ -114,14 +119,11 @@ bool InsertionRouter::isElectron(const RunningApplication& application) {
     return velorin::isElectron(application);
 }
 
-void InsertionRouter::insertIntoFrontmostApp(const Target& target) {
-    const QString cleaned = model_.cleanedText();
-    insertText(cleaned.isEmpty() ? model_.finalizedText() + model_.volatileText() : cleaned, target);
-}
-
 void InsertionRouter::pasteAgain() {
-    if (!model_.lastInsertedText().isEmpty())
-        insertIntoFrontmostApp(platform_.workspace.frontmostApplication());
+    const QString undelivered = model_.undeliveredText();
+    const QString text = undelivered.isEmpty() ? model_.lastInsertedText() : undelivered;
+    if (!text.isEmpty())
+        insertText(text, platform_.workspace.frontmostApplication());
 }
 
 } // namespace velorin

@@ -28,13 +28,13 @@ public:
     InsertionRouter(AppModel& model, Platform& platform, AXInsertService& accessibility,
                     TypingService& typing, PasteService& paste);
 
-    /// Delivers the text into the target, or where there is none into what is in front; a failure shows as
-    /// the model's error message. Nothing is put into any other window than the target's.
-    void insertText(const QString& text, const std::optional<RunningApplication>& target);
+    /// Delivers the text into the target, or where there is none into what is in front; true when one of the
+    /// roads took it. A failure shows as the model's error message, and the text becomes its undelivered one.
+    /// Nothing is put into any other window than the target's.
+    bool insertText(const QString& text, const std::optional<RunningApplication>& target);
 
-    /// Delivers the last dictation once more, into what is in front now.
+    /// Delivers what could not be delivered, else the last text once more, into what is in front now.
     void pasteAgain();
-    void insertIntoFrontmostApp(const std::optional<RunningApplication>& target);
 
     /// Why the clipboard must be tried first for this application; nothing when it need not.
     [[nodiscard]] static std::optional<QString>
@@ -49,7 +49,8 @@ private:
     [[nodiscard]] bool tryAll(const QString& text, const Target& application,
                               const std::optional<QString>& pasteReason);
     [[nodiscard]] bool tryDirect(const QString& text, const Target& application);
-    [[nodiscard]] bool delivered(const QString& path);
+    [[nodiscard]] static bool delivered(const QString& path);
+    bool undelivered(const QString& text, const QString& message);
 
     AppModel& model_;
     Platform& platform_;

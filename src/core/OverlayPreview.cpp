@@ -33,10 +33,7 @@ OverlayPreview::OverlayPreview(AppModel& model, Platform& platform, Overlay& hud
     : model_(model), platform_(platform), hud_(hud) {}
 
 void OverlayPreview::show() {
-    if (model_.isRecording())
-        return;
     timer_ = {};
-    // A late result of an earlier dictation must not land in the preview.
     model_.setSessionGeneration(model_.sessionGeneration() + 1);
     model_.setIsEditSession(false);
     model_.setAIProcessing(std::nullopt);
@@ -69,6 +66,9 @@ void OverlayPreview::playRound() {
 }
 
 void OverlayPreview::end() {
+    if (!model_.hasPreviewText())
+        return;
+    timer_ = {};
     hud_.hide();
     model_.setPreviewText(std::nullopt);
     model_.setPreviewLevels(std::nullopt);

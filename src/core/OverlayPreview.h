@@ -15,13 +15,14 @@ class OverlayPreview final {
 public:
     OverlayPreview(AppModel& model, Platform& platform, Overlay& hud);
 
-    /// Nothing happens during a dictation. A preview that still runs is cancelled and restores nothing.
+    /// A preview that still runs is cancelled and restores nothing. Not during a dictation.
     void show();
+    /// Ends one that still runs, as its time would.
+    void end();
 
 private:
     void scheduleRound();
     void playRound();
-    void end();
 
     AppModel& model_;
     Platform& platform_;

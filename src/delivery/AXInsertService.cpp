@@ -36,30 +36,31 @@ bool AXInsertService::insert(const QString& text, const std::optional<RunningApp
         return false;
     }
     qCInfo(insertLog).noquote() << u"ax insert: ok, committed (%1 chars before)"_s.arg(length);
-    verifyLater(element, *before);
+    verifyLater(element, {text, *before});
     return true;
 }
 
-void AXInsertService::verifyLater(std::shared_ptr<AccessibleElement> element, const QString& before) {
+void AXInsertService::verifyLater(std::shared_ptr<AccessibleElement> element, Written written) {
     const auto entry = verifications_.emplace(verifications_.end());
-    *entry = clock_.after(verifyDelay, [this, entry, element = std::move(element), before] {
-        verifications_.erase(entry);
-        verify(*element->renewed(verifyBudget), before);
-    });
+    *entry =
+        clock_.after(verifyDelay, [this, entry, element = std::move(element), written = std::move(written)] {
+            verifications_.erase(entry);
+            verify(*element->renewed(verifyBudget), written);
+        });
 }
 
-void AXInsertService::verify(AccessibleElement& element, const QString& before) {
+void AXInsertService::verify(AccessibleElement& element, const Written& written) {
     const auto value = element.value();
     if (!value) {
         qCDebug(insertLog).noquote() << u"ax insert: unverified (value no longer readable)"_s;
-    } else if (*value == before) {
+    } else if (*value == written.before) {
         qCInfo(insertLog).noquote()
             << u"ax insert: value still unchanged 0.4s later — text may not have landed"_s;
         if (onUnverifiedInsert)
-            onUnverifiedInsert();
+            onUnverifiedInsert(written.text);
     } else {
         qCDebug(insertLog).noquote() << u"ax insert: verified (%1 -> %2 chars)"_s.arg(
-            QString::number(Graphemes::count(before)), QString::number(Graphemes::count(*value)));
+            QString::number(Graphemes::count(written.before)), QString::number(Graphemes::count(*value)));
     }
 }
 

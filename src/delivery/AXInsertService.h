@@ -2,7 +2,7 @@
 /// there. Neither the clipboard nor the keyboard is touched.
 ///
 ///     AXInsertService insertion(accessibility, trust, clock);
-///     insertion.onUnverifiedInsert = [] { … };       // the text may not have landed
+///     insertion.onUnverifiedInsert = [](const QString& text) { … };    // it may not have landed
 ///     if (insertion.insert(text, target)) …          // the element took it
 ///
 /// Whether it really landed is looked at `verifyDelay` later; that cannot change the answer any more. Main
@@ -36,12 +36,16 @@ public:
     /// True when the element took the text. False without a trace in the application.
     [[nodiscard]] bool insert(const QString& text, const std::optional<RunningApplication>& target);
 
-    /// Called when a text that `insert` answered true for seems not to have landed.
-    std::function<void()> onUnverifiedInsert;
+    /// Called with a text that `insert` answered true for and that seems not to have landed.
+    std::function<void(const QString& text)> onUnverifiedInsert;
 
 private:
-    void verifyLater(std::shared_ptr<AccessibleElement> element, const QString& before);
-    void verify(AccessibleElement& element, const QString& before);
+    struct Written {
+        QString text;
+        QString before; ///< The value of the element.
+    };
+    void verifyLater(std::shared_ptr<AccessibleElement> element, Written written);
+    void verify(AccessibleElement& element, const Written& written);
 
     Accessibility& accessibility_;
     Trust& trust_;

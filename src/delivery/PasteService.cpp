@@ -57,6 +57,7 @@ bool PasteService::insert(const QString& text, const std::optional<RunningApplic
         return false;
     paste.emplace();
     paste->selection = selection;
+    paste->text = text;
     paste->saved = std::move(*saved);
     paste->changeCount = *count;
     paste->targetProcess = target ? target->processIdentifier : 0;
@@ -150,7 +151,7 @@ void PasteService::finish(PasteboardSelection selection, bool read) {
     if (!paste->saved.empty())
         pasteboard_.restore(selection, paste->saved, paste->changeCount);
     if (!read && onUnverifiedPaste)
-        onUnverifiedPaste();
+        onUnverifiedPaste(paste->text);
 }
 
 QCoro::Task<std::optional<QString>> PasteService::copySelection(std::optional<RunningApplication> target,

@@ -71,12 +71,13 @@ public:
     copySelection(std::optional<RunningApplication> target, std::chrono::milliseconds timeout,
                   std::chrono::steady_clock::time_point end);
 
-    /// Called when nobody read a text that `insert` had answered true for.
-    std::function<void()> onUnverifiedPaste;
+    /// Called with a text that `insert` had answered true for and that nobody read.
+    std::function<void(const QString& text)> onUnverifiedPaste;
 
 private:
     struct Paste {
         PasteboardSelection selection = PasteboardSelection::clipboard;
+        QString text;
         PasteboardContents saved;
         quint64 changeCount = 0;
         qint64 targetProcess = 0;

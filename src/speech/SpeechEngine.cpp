@@ -25,7 +25,7 @@ tl::unexpected<SpeechEngineError> failure(Kind kind, const QString& detail = {})
 /// What a task returns that finds its engine gone; nobody is left to read it.
 tl::unexpected<SpeechEngineError> gone() { return failure(Kind::platform); }
 
-/// Keeps other starts out while one start or stop is under way.
+/// Keeps other starts out while the microphone is being opened or closed.
 class Busy final {
 public:
     explicit Busy(std::shared_ptr<Gate> idle) : idle_(std::move(idle)) { idle_->close(); }
@@ -48,6 +48,27 @@ QStringList cleaned(const QStringList& strings) {
 
 } // namespace
 
+struct SpeechEngine::Take {
+    QString locale;
+    std::function<void(const QString&, bool)> onResult;
+    std::function<void(const SpeechEngineError&)> onError;
+    std::function<void(const QString&)> onStatus;
+    std::function<void(qint64, qint64)> onModelProgress;
+    std::function<void(float)> onAudioLevel;
+    QStringList contextualStrings;
+    bool recordsAudio = false;
+    LatencyMarks::Number number = 0; ///< Of the dictation, for its stages.
+
+    std::shared_ptr<SpeechAnalyzer> analyzer;
+    std::shared_ptr<SpeechTranscriber> transcriber;
+    std::shared_ptr<AnalyzerInput> input;
+    std::shared_ptr<AudioConverter> converter;
+    AudioFormat analyzerFormat;
+    std::shared_ptr<RecordingWriter> recording;
+    std::optional<QCoro::Task<void>> analysis;
+    std::optional<QCoro::Task<void>> results;
+};
+
 SpeechEngine::SpeechEngine(AudioInput& input, SpeechRecognition& recognition,
                            AudioConverterFactory& converters, AudioFileFactory& files,
                            const ApplicationFolders& folders, LatencyMarks& marks)
@@ -58,19 +79,34 @@ SpeechEngine::~SpeechEngine() {
     // Whoever waits at the gate is resumed by its end, and must then see that the engine is gone.
     self_.reset();
     // The audio thread may still be writing: the file goes, the writer follows with the tap.
-    if (recordingWriter_)
-        QFile::remove(recordingWriter_->path());
+    for (const auto& recording : recordings_)
+        QFile::remove(recording->path());
+}
+
+SpeechEngine::SharedTake SpeechEngine::makeTake(QString localeIdentifier) const {
+    auto take = std::make_shared<Take>();
+    take->locale = std::move(localeIdentifier);
+    take->onResult = onResult;
+    take->onError = onError;
+    take->onStatus = onStatus;
+    take->onModelProgress = onModelProgress;
+    take->onAudioLevel = onAudioLevel;
+    take->contextualStrings = cleaned(contextualStrings);
+    take->recordsAudio = recordsAudio;
+    take->number = marksOf.value_or(marks_.newest());
+    return take;
 }
 
 QCoro::Task<SpeechEngine::Outcome> SpeechEngine::start(QString localeIdentifier) {
     const Self self = self_;
+    const auto take = makeTake(std::move(localeIdentifier));
     // Several may wait at the gate, and the first of them closes it again.
-    while (!isRunning_ && !idle_->isOpen()) {
+    while (!isRunning() && !idle_->isOpen()) {
         co_await idle_->opened();
         if (self.expired())
             co_return gone();
     }
-    if (isRunning_)
+    if (isRunning())
         co_return Outcome{};
     const Busy busy(idle_);
     const AudioFormat microphone = co_await input_.inputFormat();
@@ -78,78 +114,79 @@ QCoro::Task<SpeechEngine::Outcome> SpeechEngine::start(QString localeIdentifier)
         co_return gone();
     if (microphone.channels <= 0 || !(microphone.sampleRate > 0))
         co_return failure(Kind::noInputDevice);
-    co_return co_await launch(std::move(localeIdentifier), microphone);
+    co_return co_await launch(take, microphone);
 }
 
-QCoro::Task<SpeechEngine::Outcome> SpeechEngine::launch(QString localeIdentifier, AudioFormat microphone) {
+QCoro::Task<SpeechEngine::Outcome> SpeechEngine::launch(SharedTake take, AudioFormat microphone) {
     const Self self = self_;
-    if (auto prepared = co_await prepareModel(localeIdentifier); !prepared)
+    if (auto prepared = co_await prepareModel(take); !prepared)
         co_return prepared;
     if (self.expired())
         co_return gone();
-    transcriber_ = recognition_.makeTranscriber(localeIdentifier);
-    auto format = co_await recognition_.bestAvailableAudioFormat(transcriber_);
+    take->transcriber = recognition_.makeTranscriber(take->locale);
+    const auto format = co_await recognition_.bestAvailableAudioFormat(take->transcriber);
     if (self.expired())
         co_return gone();
     if (!format)
         co_return failure(Kind::noAudioFormat);
-    analyzerFormat_ = format;
+    take->analyzerFormat = *format;
     // Without a converter the sound goes to the recording only.
-    converter_ = converters_.make(microphone, *format);
-    analyzer_ = recognition_.makeAnalyzer(transcriber_);
-    co_await applyContext(analyzer_);
+    take->converter = converters_.make(microphone, *format);
+    take->analyzer = recognition_.makeAnalyzer(take->transcriber);
+    co_await applyContext(take);
     if (self.expired())
         co_return gone();
-    continuation_ = recognition_.makeInput();
-    if (recordsAudio) {
-        discardRecording();
-        recordingWriter_ = RecordingWriter::make(folders_, files_, converters_, microphone);
+    take->input = recognition_.makeInput();
+    if (take->recordsAudio) {
+        take->recording = RecordingWriter::make(folders_, files_, converters_, microphone);
+        if (take->recording)
+            recordings_.insert(take->recording);
     }
-    if (auto started = co_await startInput(microphone); !started)
+    if (auto started = co_await startInput(take, microphone); !started)
         co_return started;
     if (self.expired())
         co_return gone();
-    resultsTask_ = deliverResults(self, transcriber_);
-    analysisTask_ = analyze(self, analyzer_, continuation_);
-    isRunning_ = true;
+    take->results = deliverResults(self, take, take->transcriber);
+    take->analysis = analyze(self, take, take->analyzer, take->input);
+    running_ = take;
     co_return Outcome{};
 }
 
-QCoro::Task<SpeechEngine::Outcome> SpeechEngine::prepareModel(QString localeIdentifier) {
+QCoro::Task<SpeechEngine::Outcome> SpeechEngine::prepareModel(SharedTake take) {
     const Self self = self_;
     // It serves for the questions only.
-    const auto transcriber = recognition_.makeTranscriber(localeIdentifier);
-    const auto supported = co_await recognition_.supportedLocale(localeIdentifier);
+    const auto transcriber = recognition_.makeTranscriber(take->locale);
+    const auto supported = co_await recognition_.supportedLocale(take->locale);
     if (self.expired())
         co_return gone();
     if (!supported)
-        co_return failure(Kind::unsupportedLocale, localeIdentifier);
+        co_return failure(Kind::unsupportedLocale, take->locale);
     const AssetStatus status = co_await recognition_.assets().status(transcriber);
     if (self.expired())
         co_return gone();
     if (status == AssetStatus::installed)
         co_return Outcome{};
-    co_return co_await installModel(std::move(localeIdentifier), transcriber);
+    co_return co_await installModel(take, transcriber);
 }
 
 QCoro::Task<SpeechEngine::Outcome>
-SpeechEngine::installModel(QString localeIdentifier, std::shared_ptr<SpeechTranscriber> transcriber) {
+SpeechEngine::installModel(SharedTake take, std::shared_ptr<SpeechTranscriber> transcriber) {
     const Self self = self_;
-    const auto tell = [this](const QString& status) {
-        if (const auto callback = onStatus)
-            callback(status);
+    const auto tell = [&take](const QString& status) {
+        if (take->onStatus)
+            take->onStatus(status);
     };
-    tell(QCoreApplication::translate("SpeechEngine", "Downloading on-device model for %1…")
-             .arg(localeIdentifier));
+    tell(
+        QCoreApplication::translate("SpeechEngine", "Downloading on-device model for %1…").arg(take->locale));
     const auto request = co_await recognition_.assets().assetInstallationRequest(transcriber);
     if (self.expired())
         co_return gone();
     if (!request)
         co_return failure(Kind::platform, request.error().description);
     if (*request) {
-        const auto progress = [self](qint64 received, qint64 total) {
-            if (const auto engine = self.lock(); engine && (*engine)->onModelProgress)
-                (*engine)->onModelProgress(received, total);
+        const auto progress = [self, take](qint64 received, qint64 total) {
+            if (!self.expired() && take->onModelProgress)
+                take->onModelProgress(received, total);
         };
         const auto installed = co_await (*request)->downloadAndInstall(progress);
         if (self.expired())
@@ -161,117 +198,114 @@ SpeechEngine::installModel(QString localeIdentifier, std::shared_ptr<SpeechTrans
     co_return Outcome{};
 }
 
-QCoro::Task<void> SpeechEngine::applyContext(std::shared_ptr<SpeechAnalyzer> analyzer) {
-    const QStringList strings = cleaned(contextualStrings);
-    if (strings.isEmpty())
+QCoro::Task<void> SpeechEngine::applyContext(SharedTake take) {
+    if (take->contextualStrings.isEmpty())
         co_return;
     // A recogniser that refuses the words goes on without them.
-    [[maybe_unused]] const auto outcome = co_await analyzer->setContext(strings);
+    [[maybe_unused]] const auto outcome = co_await take->analyzer->setContext(take->contextualStrings);
 }
 
-QCoro::Task<SpeechEngine::Outcome> SpeechEngine::startInput(AudioFormat microphone) {
+QCoro::Task<SpeechEngine::Outcome> SpeechEngine::startInput(SharedTake take, AudioFormat microphone) {
     const Self self = self_;
-    const auto lost = [self](const QString& message) {
-        if (const auto engine = self.lock())
-            (*engine)->report({Kind::engineFailed, message});
+    const auto lost = [self, take = std::weak_ptr(take)](const QString& message) {
+        if (const auto its = take.lock(); its && !self.expired())
+            report(*its, {Kind::engineFailed, message});
     };
-    const auto started = co_await input_.start(microphone, tapFrames, tapBlock(), lost);
+    const auto started = co_await input_.start(microphone, tapFrames, tapBlock(*take), lost);
     if (self.expired())
         co_return gone();
     if (!started) {
-        discardRecording();
+        discardRecording(*take);
         co_return failure(Kind::engineFailed, started.error());
     }
     co_return Outcome{};
 }
 
-AudioInput::Block SpeechEngine::tapBlock() const {
-    // The block owns what it uses: the engine's fields belong to the main thread.
-    return
-        [level = onAudioLevel, writer = recordingWriter_, converter = converter_, format = *analyzerFormat_,
-         continuation = continuation_, &marks = marks_, isFirst = true](const AudioBuffer& buffer) mutable {
-            if (std::exchange(isFirst, false))
-                marks.mark(Stage::firstSample);
-            if (level)
-                level(audioLevel(buffer));
-            if (writer)
-                writer->write(buffer);
-            if (!converter)
-                return;
-            if (auto converted = convert(buffer, *converter, format))
-                continuation->yield(std::move(*converted));
-        };
+AudioInput::Block SpeechEngine::tapBlock(const Take& take) const {
+    // The block owns what it uses: the rest of a take belongs to the main thread.
+    return [level = take.onAudioLevel, writer = take.recording, converter = take.converter,
+            format = take.analyzerFormat, input = take.input, &marks = marks_, number = take.number,
+            isFirst = true](const AudioBuffer& buffer) mutable {
+        if (std::exchange(isFirst, false))
+            marks.mark(number, Stage::firstSample);
+        if (level)
+            level(audioLevel(buffer));
+        if (writer)
+            writer->write(buffer);
+        if (!converter)
+            return;
+        if (auto converted = convert(buffer, *converter, format))
+            input->yield(std::move(*converted));
+    };
 }
 
-QCoro::Task<void> SpeechEngine::deliverResults(Self self, std::shared_ptr<SpeechTranscriber> transcriber) {
+QCoro::Task<void> SpeechEngine::deliverResults(Self self, std::weak_ptr<Take> its,
+                                               std::shared_ptr<SpeechTranscriber> transcriber) {
     while (true) {
         const auto next = co_await transcriber->nextResult();
         const auto engine = self.lock();
-        if (!engine)
+        const auto take = its.lock();
+        if (!engine || !take)
             co_return;
         if (!next)
-            (*engine)->report({Kind::platform, next.error().description});
+            report(*take, {Kind::platform, next.error().description});
         if (!next || !*next)
             co_return;
-        (*engine)->marks_.mark(Stage::firstPreview);
-        // The receiver may replace the callback while it runs.
-        if (const auto callback = (*engine)->onResult)
-            callback((*next)->text, (*next)->isFinal);
+        (*engine)->marks_.mark(take->number, Stage::firstPreview);
+        if (take->onResult)
+            take->onResult((*next)->text, (*next)->isFinal);
     }
 }
 
-QCoro::Task<void> SpeechEngine::analyze(Self self, std::shared_ptr<SpeechAnalyzer> analyzer,
+QCoro::Task<void> SpeechEngine::analyze(Self self, std::weak_ptr<Take> its,
+                                        std::shared_ptr<SpeechAnalyzer> analyzer,
                                         std::shared_ptr<AnalyzerInput> input) {
     const auto outcome = co_await analyzer->start(std::move(input));
-    const auto engine = self.lock();
-    if (engine && !outcome)
-        (*engine)->report({Kind::platform, outcome.error().description});
+    const auto take = its.lock();
+    if (take && !self.expired() && !outcome)
+        report(*take, {Kind::platform, outcome.error().description});
 }
 
-void SpeechEngine::report(const SpeechEngineError& error) const {
+void SpeechEngine::report(const Take& take, const SpeechEngineError& error) {
     qCWarning(speechLog) << "speech error of kind" << static_cast<int>(error.kind);
-    if (const auto callback = onError)
-        callback(error);
+    if (take.onError)
+        take.onError(error);
 }
 
 QCoro::Task<std::optional<QString>> SpeechEngine::stop() {
     const Self self = self_;
-    if (!isRunning_)
+    const auto take = std::exchange(running_, nullptr);
+    if (!take)
         co_return std::nullopt;
-    isRunning_ = false;
-    const Busy busy(idle_);
+    std::optional<Busy> busy(idle_);
     co_await input_.stop();
     if (self.expired())
         co_return std::nullopt;
-    if (const auto continuation = std::exchange(continuation_, nullptr))
-        continuation->finish();
-    converter_.reset();
+    take->input->finish();
+    take->converter.reset();
     // Before the recogniser ends, so that the file is closed as early as can be.
-    std::optional<QString> recording = finishRecording();
-    const auto analysis = std::exchange(analysisTask_, std::nullopt);
-    const auto results = std::exchange(resultsTask_, std::nullopt);
-    if (const auto analyzer = analyzer_) [[maybe_unused]]
-        const auto ignored = co_await analyzer->finalizeAndFinishThroughEndOfInput();
-    if (analysis)
-        co_await *analysis;
-    if (results)
-        co_await *results;
-    if (self.expired())
-        co_return recording;
-    marks_.mark(Stage::lastFinal);
-    analyzer_.reset();
-    transcriber_.reset();
+    const std::optional<QString> recording = finishRecording(*take);
+    // Whoever waits for the microphone has it now; what was said is recognised meanwhile.
+    busy.reset();
+    [[maybe_unused]] const auto ignored = co_await take->analyzer->finalizeAndFinishThroughEndOfInput();
+    co_await *std::exchange(take->analysis, std::nullopt);
+    co_await *std::exchange(take->results, std::nullopt);
+    if (!self.expired())
+        marks_.mark(take->number, Stage::lastFinal);
     co_return recording;
 }
 
-std::optional<QString> SpeechEngine::finishRecording() {
-    const auto writer = std::exchange(recordingWriter_, nullptr);
+std::optional<QString> SpeechEngine::finishRecording(Take& take) {
+    const auto writer = std::exchange(take.recording, nullptr);
+    recordings_.erase(writer);
     return writer ? writer->finish() : std::nullopt;
 }
 
-void SpeechEngine::discardRecording() {
-    if (const auto writer = std::exchange(recordingWriter_, nullptr))
+void SpeechEngine::discardRecording(Take& take) {
+    if (const auto writer = std::exchange(take.recording, nullptr)) {
+        recordings_.erase(writer);
         writer->discard();
+    }
 }
 
 } // namespace velorin

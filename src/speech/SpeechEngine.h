@@ -10,8 +10,12 @@
 ///     …
 ///     const auto recording = co_await engine.stop();   // every result has been delivered
 ///
-/// Main thread. `stop` while a start is under way does nothing. A start that comes while another start, or a
-/// stop, is under way waits for it and then looks again.
+/// What a dictation has of its own (the recogniser's stream, the recording, the callbacks as they were when
+/// `start` was called) stays its own: while the last words of one are still being recognised the next one may
+/// be listening, and each is told its own results. Only the microphone is one: a start waits for the start
+/// or the closing of the microphone that is under way, and for nothing else.
+///
+/// Main thread. `stop` while a start is under way does nothing.
 #pragma once
 
 #include "platform/ApplicationFolders.h"
@@ -24,6 +28,8 @@
 #include "speech/RecordingWriter.h"
 #include "speech/SpeechEngineError.h"
 
+#include <set>
+
 namespace velorin {
 
 class SpeechEngine final {
@@ -34,6 +40,8 @@ public:
     SpeechEngine& operator=(const SpeechEngine&) = delete;
     ~SpeechEngine();
 
+    // The callbacks, the words and the wish for a recording are taken over when `start` is called.
+
     /// A volatile result replaces the volatile one before it; results are joined as they are.
     std::function<void(const QString& text, bool isFinal)> onResult;
     /// The dictation stays open until `stop`, which delivers what was heard.
@@ -42,21 +50,24 @@ public:
     std::function<void(const QString& status)> onStatus;
     /// Bytes of the model that are here, of bytes in all.
     std::function<void(qint64 received, qint64 total)> onModelProgress;
-    /// Once per buffer, from 0 to 1, on the audio thread. Taken over when a start installs the tap.
+    /// Once per buffer, from 0 to 1, on the audio thread.
     std::function<void(float level)> onAudioLevel;
 
-    /// Words that the speaker is likely to use. Read by `start`.
+    /// Words that the speaker is likely to use.
     QStringList contextualStrings;
-    /// Whether to keep a recording. Read by `start`.
+    /// Whether to keep a recording.
     bool recordsAudio = false;
+    /// Whose stages are marked; none for the newest dictation.
+    std::optional<LatencyMarks::Number> marksOf;
 
-    [[nodiscard]] bool isRunning() const { return isRunning_; }
+    /// Whether the microphone is open; not while the last words are being recognised.
+    [[nodiscard]] bool isRunning() const { return running_ != nullptr; }
 
-    /// Ends when sound is flowing. Locale as in "en-US".
+    /// Ends when sound is flowing. Locale as in "en-US". Ends at once during a run.
     [[nodiscard]] QCoro::Task<tl::expected<void, SpeechEngineError>> start(QString localeIdentifier);
 
-    /// Ends when the last final result has been delivered. Gives the path of the recording, which the caller
-    /// removes.
+    /// Closes the microphone, and ends when the last final result has been delivered. Gives the path of the
+    /// recording, which the caller removes.
     [[nodiscard]] QCoro::Task<std::optional<QString>> stop();
 
 private:
@@ -64,19 +75,26 @@ private:
     /// Lives as long as the engine; tasks hold it weakly.
     using Self = std::weak_ptr<SpeechEngine*>;
 
-    QCoro::Task<Outcome> launch(QString localeIdentifier, AudioFormat microphone);
-    QCoro::Task<Outcome> prepareModel(QString localeIdentifier);
-    QCoro::Task<Outcome> installModel(QString localeIdentifier,
-                                      std::shared_ptr<SpeechTranscriber> transcriber);
-    QCoro::Task<Outcome> startInput(AudioFormat microphone);
-    QCoro::Task<void> applyContext(std::shared_ptr<SpeechAnalyzer> analyzer);
-    [[nodiscard]] AudioInput::Block tapBlock() const;
-    static QCoro::Task<void> deliverResults(Self self, std::shared_ptr<SpeechTranscriber> transcriber);
-    static QCoro::Task<void> analyze(Self self, std::shared_ptr<SpeechAnalyzer> analyzer,
+    /// What one dictation has of its own, from its start to its last result.
+    struct Take;
+    using SharedTake = std::shared_ptr<Take>;
+
+    [[nodiscard]] SharedTake makeTake(QString localeIdentifier) const;
+    QCoro::Task<Outcome> launch(SharedTake take, AudioFormat microphone);
+    QCoro::Task<Outcome> prepareModel(SharedTake take);
+    QCoro::Task<Outcome> installModel(SharedTake take, std::shared_ptr<SpeechTranscriber> transcriber);
+    QCoro::Task<Outcome> startInput(SharedTake take, AudioFormat microphone);
+    static QCoro::Task<void> applyContext(SharedTake take);
+    [[nodiscard]] AudioInput::Block tapBlock(const Take& take) const;
+    // A take keeps these two, so they do not keep it.
+    static QCoro::Task<void> deliverResults(Self self, std::weak_ptr<Take> its,
+                                            std::shared_ptr<SpeechTranscriber> transcriber);
+    static QCoro::Task<void> analyze(Self self, std::weak_ptr<Take> its,
+                                     std::shared_ptr<SpeechAnalyzer> analyzer,
                                      std::shared_ptr<AnalyzerInput> input);
-    void report(const SpeechEngineError& error) const;
-    std::optional<QString> finishRecording();
-    void discardRecording();
+    static void report(const Take& take, const SpeechEngineError& error);
+    std::optional<QString> finishRecording(Take& take);
+    void discardRecording(Take& take);
 
     AudioInput& input_;
     SpeechRecognition& recognition_;
@@ -85,17 +103,11 @@ private:
     const ApplicationFolders& folders_;
     LatencyMarks& marks_;
 
-    std::shared_ptr<SpeechAnalyzer> analyzer_;
-    std::shared_ptr<SpeechTranscriber> transcriber_;
-    std::shared_ptr<AnalyzerInput> continuation_;
-    std::shared_ptr<AudioConverter> converter_;
-    std::optional<AudioFormat> analyzerFormat_;
-    std::optional<QCoro::Task<void>> analysisTask_;
-    std::optional<QCoro::Task<void>> resultsTask_;
-    std::shared_ptr<RecordingWriter> recordingWriter_;
-    bool isRunning_ = false;
+    SharedTake running_; ///< That has the microphone.
+    /// Those whose files nobody else knows of yet.
+    std::set<std::shared_ptr<RecordingWriter>> recordings_;
 
-    std::shared_ptr<Gate> idle_;
+    std::shared_ptr<Gate> idle_; ///< Closed while the microphone is being opened or closed.
     std::shared_ptr<SpeechEngine*> self_;
 };
 

@@ -14,37 +14,54 @@ class FakeFinishing final : public FinishingOperations {
 public:
     bool configured = false;
     bool transcribes = false;
+    /// Where all four wait, whoever overtakes them.
     Gate gate{true};
     /// One line a flow, such as "generate a poem | context".
     QStringList flows;
     std::vector<qint64> generations;
+    /// What they come to; a text for none, so that nothing is kept or inserted.
+    Transcription transcription;
+    QString answer;
 
     bool aiConfigured() const override { return configured; }
     bool providerTranscriptionActive() const override { return transcribes; }
-    QCoro::Task<> transcribeWithProvider(QString audioPath, qint64 generation) override {
-        note(QStringLiteral("transcribe ") + audioPath, generation);
+    QCoro::Task<Transcription> transcribed(SharedDictation dictation, Asking asking) override {
+        note(QStringLiteral("transcribe ") + dictation->recording->path(), *dictation);
+        asking(AIProcessing::transcribe);
         co_await gate.opened();
+        co_return transcription;
     }
-    QCoro::Task<> finishGenerate(QString instruction, std::optional<QString> context,
-                                 qint64 generation) override {
+    QCoro::Task<Ending> generated(SharedDictation dictation, QString instruction,
+                                  std::optional<QString> context, Asking asking) override {
         note(QStringLiteral("generate ") + instruction + QStringLiteral(" | ") +
                  context.value_or(QStringLiteral("none")),
-             generation);
+             *dictation);
+        asking(AIProcessing::generate);
         co_await gate.opened();
+        co_return ending(QStringLiteral("generate"), instruction);
     }
-    QCoro::Task<> finishEdit(SelectionSnapshot selection) override {
-        note(QStringLiteral("edit ") + selection.text, -1);
+    QCoro::Task<Ending> edited(SharedDictation dictation, QString instruction, Asking asking) override {
+        note(QStringLiteral("edit ") + dictation->selection->text, *dictation);
+        asking(AIProcessing::edit);
         co_await gate.opened();
+        Ending edit = ending(QStringLiteral("edit"), instruction);
+        edit.replaces = dictation->selection;
+        co_return edit;
     }
-    QCoro::Task<> finishPolish(QString base, QString raw, qint64 generation) override {
-        note(QStringLiteral("polish ") + base + QStringLiteral(" | ") + raw, generation);
+    QCoro::Task<Ending> polished(SharedDictation dictation, QString base, Asking asking) override {
+        note(QStringLiteral("polish ") + base + QStringLiteral(" | ") + dictation->transcript(), *dictation);
+        asking(AIProcessing::polish);
         co_await gate.opened();
+        co_return ending(QStringLiteral("dictation"), dictation->transcript());
     }
 
 private:
-    void note(const QString& flow, qint64 generation) {
+    void note(const QString& flow, const Dictation& dictation) {
         flows.append(flow);
-        generations.push_back(generation);
+        generations.push_back(dictation.generation);
+    }
+    [[nodiscard]] Ending ending(const QString& kind, const QString& raw) const {
+        return {.text = answer, .raw = raw, .kind = kind, .problem = {}, .replaces = {}};
     }
 };
 

@@ -1,5 +1,6 @@
 #include "core/FinishingFlows.h"
 #include "core/AISettings.h"
+#include "core/MainTasks.h"
 #include "tests/core/ModelFixture.h"
 #include "tests/support/Awaited.h"
 
@@ -119,20 +120,38 @@ TEST_F(FinishingFlow, APolishThatFailsIsDroppedInSilence) {
     EXPECT_TRUE(log.lines().contains(u"ai: polish failed: No network."_s));
 }
 
-TEST_F(FinishingFlow, APolishThatComesAfterANewSessionLeavesNoTrace) {
+TEST_F(FinishingFlow, APolishThatIsOvertakenDeliversThePlainTextAtOnceAndOnce) {
     configurePolish();
     sayAndWait(u"one two three four"_s);
     pressHold();
+    EXPECT_EQ(model->lastInsertedText(), u"One two three four"_s) << "nobody waits for the provider any more";
+    EXPECT_EQ(model->history().size(), 1);
     hear(u"new words"_s, false);
-    const auto lines = log.lines();
+    const auto lines = log.lines().filter(u"polish"_s);
     chatSession.gate.open();
-    ASSERT_TRUE(waitUntil([this] { return chatSession.requests.size() == 1; }));
-    ASSERT_FALSE(
-        waitUntil([this] { return !model->lastInsertedText().isEmpty(); }, std::chrono::milliseconds(200)));
+    ASSERT_FALSE(waitUntil([this] { return model->history().size() > 1; }, std::chrono::milliseconds(200)));
     EXPECT_EQ(model->volatileText(), u"new words"_s);
-    EXPECT_TRUE(model->history().isEmpty());
-    EXPECT_EQ(log.lines().filter(u"polish"_s), QStringList(lines).filter(u"polish"_s));
+    EXPECT_EQ(model->status(), u"Listening…"_s);
+    EXPECT_EQ(model->overlayPhase(), OverlayPhase::listening);
+    EXPECT_EQ(log.lines().filter(u"polish"_s), lines);
     EXPECT_TRUE(model->isRecording());
+}
+
+TEST_F(FinishingFlow, ATranscriptionThatIsOvertakenDeliversTheRecognisersText) {
+    configure();
+    model->setAITranscriptionEnabled(true);
+    model->setAITranscriptionModel(u"a-listener"_s);
+    transcriptionSession.gate.close();
+    pressHold();
+    audioInput.block(someSound());
+    hear(u"our words"_s, true);
+    releaseHold();
+    ASSERT_TRUE(waitUntil([this] { return !transcriptionSession.requests.empty(); }));
+    pressHold();
+    EXPECT_EQ(model->lastInsertedText(), u"Our words"_s);
+    EXPECT_FALSE(QFile::exists(audioFiles.paths.front()));
+    EXPECT_TRUE(model->isRecording());
+    EXPECT_FALSE(model->hasErrorMessage());
 }
 
 TEST_F(FinishingFlow, GenerateDeliversWhatWasWritten) {
@@ -173,7 +192,7 @@ TEST_F(FinishingFlow, GenerateSaysWhyItFailed) {
     EXPECT_TRUE(model->history().isEmpty());
 }
 
-TEST_F(FinishingFlow, AStaleGenerationIsDiscarded) {
+TEST_F(FinishingFlow, AnAnswerThatIsOvertakenIsKeptButNotInserted) {
     configureGenerate();
     sayAndWait(u"generate a note"_s);
     pressHold();
@@ -182,7 +201,13 @@ TEST_F(FinishingFlow, AStaleGenerationIsDiscarded) {
         waitUntil([this] { return log.lines().contains(u"ai: discarding stale generate result"_s); }));
     EXPECT_TRUE(model->isRecording());
     EXPECT_EQ(hud.calls.last(), u"show"_s);
-    EXPECT_TRUE(model->history().isEmpty());
+    EXPECT_EQ(model->lastInsertedText(), QString());
+    EXPECT_EQ(model->history().first().text, u"A reply."_s);
+    EXPECT_EQ(model->undeliveredText(), u"A reply."_s);
+    EXPECT_EQ(model->errorMessage(),
+              u"The answer came after the next dictation had begun, so it was not inserted."_s);
+    EXPECT_EQ(model->status(), u"Listening…"_s);
+    EXPECT_EQ(model->overlayPhase(), OverlayPhase::listening);
 }
 
 TEST_F(FinishingFlow, AKeyThatIsGoneIsNoticedWhenItIsNeeded) {
@@ -239,13 +264,16 @@ TEST_F(FinishingFlow, AnEditThatFailsSaysWhy) {
     EXPECT_EQ(model->finalizedText(), u"make it short"_s);
 }
 
-TEST_F(FinishingFlow, AStaleEditIsDiscarded) {
+TEST_F(FinishingFlow, ARewriteThatIsOvertakenIsKeptButNotInserted) {
     configureEdit();
     sayAndWait(u"make it short"_s);
     pressHold();
     chatSession.gate.open();
     ASSERT_TRUE(waitUntil([this] { return log.lines().contains(u"ai: discarding stale edit result"_s); }));
-    EXPECT_TRUE(model->history().isEmpty());
+    EXPECT_EQ(model->lastInsertedText(), QString());
+    EXPECT_EQ(model->history().first().text, u"A reply."_s);
+    EXPECT_EQ(model->undeliveredText(), u"A reply."_s);
+    EXPECT_TRUE(model->isRecording());
 }
 
 class ProviderTranscription : public FinishingFlow {
@@ -262,43 +290,65 @@ protected:
         transcriptionSession.answerTranscription(u"their words"_s);
     }
     QString path() const { return home.filePath(u"recording.wav"_s); }
-    void transcribe(qint64 generation) {
+    FinishingOperations::Transcription transcribe(bool isOvertaken = false) {
         AIService service{chatSession, transcriptionSession, languageModel, userAccount};
         const AISettings settings{*model, secrets};
-        FinishingFlows flows{*model, {service, settings, *selection, hud, languageModel, marks}};
-        const auto task = flows.transcribeWithProvider(path(), generation);
-        ASSERT_TRUE(waitUntil([&] { return task.isReady(); }));
+        MainTasks tasks;
+        FinishingFlows flows{*model, {service, settings, languageModel, tasks}};
+        const auto dictation = std::make_shared<Dictation>();
+        dictation->recording.emplace(path());
+        dictation->isOvertaken = isOvertaken;
+        auto task = flows.transcribed(dictation, [this](AIProcessing what) { shown = what; });
+        EXPECT_TRUE(waitUntil([&] { return task.isReady(); }));
+        return awaited(std::move(task));
     }
+    std::optional<AIProcessing> shown;
 };
 
-TEST_F(ProviderTranscription, ReplacesTheTranscript) {
-    model->setFinalizedText(u"our words"_s);
-    model->setVolatileText(u" more"_s);
-    transcribe(model->sessionGeneration());
-    EXPECT_EQ(model->finalizedText(), u"their words"_s);
-    EXPECT_EQ(model->volatileText(), QString());
-    EXPECT_EQ(model->cleanedText(), u"Their words"_s);
-    EXPECT_EQ(model->status(), u"Transcribing…"_s);
-    EXPECT_FALSE(QFile::exists(path()));
+TEST_F(ProviderTranscription, GivesTheProvidersWords) {
+    const auto theirs = transcribe();
+    EXPECT_EQ(theirs.text, u"their words"_s);
+    EXPECT_EQ(theirs.problem, std::nullopt);
+    EXPECT_EQ(shown, AIProcessing::transcribe);
     const QByteArray body = transcriptionSession.requests.front().body;
     EXPECT_TRUE(body.contains("Velorin, Qt"));
     EXPECT_TRUE(body.contains("\r\n\r\nde\r\n"));
 }
 
-TEST_F(ProviderTranscription, KeepsTheTranscriptWhenItFails) {
-    model->setFinalizedText(u"our words"_s);
+TEST_F(ProviderTranscription, SaysWhyThereIsNone) {
     transcriptionSession.answer = HttpResponse{413, R"({"error": "too long"})"};
-    transcribe(model->sessionGeneration());
-    EXPECT_EQ(model->finalizedText(), u"our words"_s);
-    EXPECT_EQ(model->errorMessage(), u"Provider transcription failed; used Apple’s on-device transcript. "
-                                     "AI request failed: too long"_s);
+    const auto theirs = transcribe();
+    EXPECT_EQ(theirs.text, std::nullopt);
+    EXPECT_EQ(theirs.problem, u"Provider transcription failed; used Apple’s on-device transcript. "
+                              "AI request failed: too long"_s);
+}
+
+TEST_F(ProviderTranscription, IsNotAskedForAnOvertakenDictation) {
+    EXPECT_EQ(transcribe(true).text, std::nullopt);
+    EXPECT_TRUE(transcriptionSession.requests.empty());
     EXPECT_FALSE(QFile::exists(path()));
 }
 
-TEST_F(ProviderTranscription, ForAReplacedSessionDeletesTheRecordingOnly) {
-    transcribe(model->sessionGeneration() - 1);
-    EXPECT_TRUE(transcriptionSession.requests.empty());
-    EXPECT_FALSE(QFile::exists(path()));
+TEST_F(FinishingFlow, AProvidersTranscriptReplacesTheRecognisers) {
+    configure();
+    model->setAITranscriptionEnabled(true);
+    model->setAITranscriptionModel(u"a-listener"_s);
+    transcriptionSession.answerTranscription(u"their words"_s);
+    transcriptionSession.gate.close();
+    pressHold();
+    audioInput.block(someSound());
+    hear(u"our words"_s, true);
+    hear(u" more"_s, false);
+    releaseHold();
+    ASSERT_TRUE(waitUntil([this] { return !transcriptionSession.requests.empty(); }));
+    EXPECT_EQ(model->status(), u"Transcribing…"_s);
+    EXPECT_EQ(model->overlayPhase(), OverlayPhase::processing);
+    transcriptionSession.gate.open();
+    ASSERT_TRUE(waitUntilSettled());
+    EXPECT_EQ(model->finalizedText(), u"their words"_s);
+    EXPECT_EQ(model->volatileText(), QString());
+    EXPECT_EQ(model->lastInsertedText(), u"Their words"_s);
+    EXPECT_FALSE(QFile::exists(audioFiles.paths.front()));
 }
 
 TEST_F(ProviderTranscription, IsNothingForOllama) {

@@ -52,9 +52,8 @@ TEST_F(InsertionRouterOfTheModel, PutsNothingIntoAStranger) {
     workspace.frontmost->processIdentifier = 99;
     workspace.comesToFront = false;
     model->insertText(u"hello"_s, editor());
-    EXPECT_EQ(model->errorMessage(),
-              u"Text was not inserted: another window is in front. Use copy again to insert it."_s);
-    EXPECT_EQ(model->lastInsertedText(), u"hello"_s) << "it stays for copy-again";
+    EXPECT_EQ(model->errorMessage(), u"Text was not inserted: another window is in front."_s);
+    EXPECT_EQ(model->undeliveredText(), u"hello"_s) << "it stays for copy-again";
     EXPECT_THAT(pasteboard.calls, IsEmpty());
     EXPECT_THAT(keyboard.typed, IsEmpty());
     EXPECT_THAT(accessibility.processes, IsEmpty());
@@ -160,15 +159,41 @@ TEST_F(InsertionRouterOfTheModel, CopyAgainDoesNothingBeforeTheFirstText) {
     EXPECT_THAT(keyboard.typed, IsEmpty());
 }
 
-TEST_F(InsertionRouterOfTheModel, CopyAgainTakesTheLatestTextToWhatIsInFrontNow) {
+TEST_F(InsertionRouterOfTheModel, CopyAgainTakesTheLastTextToWhatIsInFrontNow) {
     start();
     keyboard.canType = true;
     model->insertText(u"first"_s, editor());
-    model->setCleanedText(u"latest"_s);
+    model->insertText(u"last"_s, editor());
+    model->setCleanedText(u"being spoken"_s);
     workspace.frontmost->processIdentifier = 99;
     model->pasteAgain();
-    EXPECT_THAT(keyboard.typed.back().join(QString()), u"latest"_s);
+    EXPECT_EQ(keyboard.typed.back().join(QString()), u"last"_s);
     EXPECT_THAT(workspace.activated, IsEmpty());
+}
+
+TEST_F(InsertionRouterOfTheModel, CopyAgainPrefersWhatCouldNotBeDeliveredUntilAnotherTextIs) {
+    start();
+    keyboard.canType = true;
+    model->insertText(u"delivered"_s, editor());
+    trust.processTrusted = false;
+    model->insertText(u"stranded"_s, editor());
+    trust.processTrusted = true;
+    EXPECT_EQ(model->undeliveredText(), u"stranded"_s);
+    pressHold(); // whatever begins meanwhile
+    releaseHold();
+    model->pasteAgain();
+    EXPECT_EQ(keyboard.typed.back().join(QString()), u"stranded"_s);
+    EXPECT_EQ(model->undeliveredText(), QString());
+    model->insertText(u"later"_s, editor());
+    model->pasteAgain();
+    EXPECT_EQ(keyboard.typed.back().join(QString()), u"later"_s);
+}
+
+TEST_F(InsertionRouterOfTheModel, ATextThatNobodyReadCountsAsUndelivered) {
+    start();
+    model->insertText(u"hello"_s, editor());
+    clock.advance(std::chrono::seconds(6));
+    EXPECT_EQ(model->undeliveredText(), u"hello"_s);
 }
 
 TEST_F(InsertionRouterOfTheModel, APasteThatNobodyReadIsTold) {

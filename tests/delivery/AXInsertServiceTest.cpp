@@ -21,7 +21,7 @@ protected:
     AXInsertServiceTest() {
         QLoggingCategory::setFilterRules(u"*.debug=true"_s);
         accessibility.focused = std::make_shared<FakeElement>();
-        insertion.onUnverifiedInsert = [this] { ++unverified; };
+        insertion.onUnverifiedInsert = [this](const QString&) { ++unverified; };
     }
     ~AXInsertServiceTest() override { QLoggingCategory::setFilterRules({}); }
 

@@ -28,7 +28,7 @@ protected:
     PasteServiceTest() {
         pasteboard.saved = userContent;
         pasteboard.written = pasteboard.count = 7;
-        paste.onUnverifiedPaste = [this] { ++unverified; };
+        paste.onUnverifiedPaste = [this](const QString&) { ++unverified; };
     }
 
     void targetReads() { pasteboard.fetched.push_back({target->processIdentifier, false}); }

@@ -91,19 +91,55 @@ TEST_F(SpeechEngineStop, DeliversWhatWasHeardBeforeTheMicrophoneWasLost) {
     EXPECT_THAT(results, ElementsAre(TranscriptionResult{u"what was said"_s, true}));
 }
 
-TEST_F(SpeechEngineStop, HoldsBackAStartUntilItIsDone) {
+TEST_F(SpeechEngineStop, HoldsBackAStartUntilTheMicrophoneIsFreeAndNoLonger) {
     ASSERT_TRUE(start());
+    input.stopGate.close();
     recognition.finalizationGate.close();
     auto stopping = engine->stop();
     auto starting = engine->start(u"en-US"_s);
     EXPECT_EQ(stop(), std::nullopt);
     EXPECT_FALSE(starting.isReady());
-    recognition.finalizationGate.open();
-    ASSERT_TRUE(stopping.isReady());
+    input.stopGate.open();
+    ASSERT_TRUE(starting.isReady());
     ASSERT_TRUE(QCoro::waitFor(starting));
     EXPECT_THAT(input.starts, SizeIs(2));
     EXPECT_TRUE(engine->isRunning());
+    EXPECT_FALSE(stopping.isReady()) << "its last words are still being recognised";
+    recognition.finalizationGate.open();
+    ASSERT_TRUE(stopping.isReady());
+    EXPECT_TRUE(engine->isRunning());
     stop();
+}
+
+TEST_F(SpeechEngineStop, TellsEachDictationItsOwnResults) {
+    std::vector<QString> first;
+    std::vector<QString> second;
+    engine->onResult = [&first](const QString& text, bool) { first.push_back(text); };
+    ASSERT_TRUE(start());
+    recognition.finalizationGate.close();
+    recognition.finalResults = {{u"the last words"_s, true}};
+    auto stopping = engine->stop();
+    engine->onResult = [&second](const QString& text, bool) { second.push_back(text); };
+    ASSERT_TRUE(start());
+    recognition.deliver(u"the next"_s, false);
+    recognition.finalizationGate.open();
+    ASSERT_TRUE(stopping.isReady());
+    EXPECT_THAT(first, ElementsAre(u"the last words"_s));
+    EXPECT_THAT(second, ElementsAre(u"the next"_s));
+    stop();
+}
+
+TEST_F(SpeechEngineStop, MarksTheStagesOfTheDictationThatTheyBelongTo) {
+    const auto first = marks.newest();
+    engine->marksOf = first;
+    ASSERT_TRUE(start());
+    recognition.finalizationGate.close();
+    auto stopping = engine->stop();
+    marks.begin();
+    recognition.finalizationGate.open();
+    ASSERT_TRUE(stopping.isReady());
+    EXPECT_TRUE(marks.dictations().front().at(Stage::lastFinal));
+    EXPECT_FALSE(marks.dictations().back().at(Stage::lastFinal));
 }
 
 TEST_F(SpeechEngineStop, AllowsManyDictations) {
@@ -128,8 +164,8 @@ TEST_F(SpeechEngineStop, ReportsNothingOnceTheEngineIsGone) {
 }
 
 TEST_F(SpeechEngineStop, AllowsACallbackThatReplacesItself) {
-    ASSERT_TRUE(start());
     engine->onResult = [this](const QString&, bool) { engine->onResult = nullptr; };
+    ASSERT_TRUE(start());
     recognition.deliver(u"one"_s, true);
     recognition.deliver(u"two"_s, true);
     EXPECT_FALSE(engine->onResult);

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <memory>
 #include <vector>
 
 namespace velorin {
@@ -18,10 +19,38 @@ public:
     HttpResult answer = HttpResponse{200, "{}"};
     Gate gate{true};
 
+    /// A server that answers each request when the test says so.
+    bool isSlow = false;
+    struct Pending {
+        Gate isAnswered{false};
+        HttpResult answer;
+        std::size_t request = 0;
+    };
+    std::vector<std::shared_ptr<Pending>> pending;
+
     QCoro::Task<HttpResult> send(HttpRequest request) override {
         requests.push_back(std::move(request));
+        if (isSlow) {
+            const auto mine = std::make_shared<Pending>();
+            mine->request = requests.size() - 1;
+            pending.push_back(mine);
+            co_await mine->isAnswered.opened();
+            co_return mine->answer;
+        }
         co_await gate.opened();
         co_return answer;
+    }
+    void answerPending(std::size_t index, HttpResult with) {
+        const auto its = pending.at(index);
+        pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(index));
+        its->answer = std::move(with);
+        its->isAnswered.open();
+    }
+
+    [[nodiscard]] static HttpResult chatAnswer(const QString& content) {
+        FakeHttpSession other;
+        other.answerChat(content);
+        return other.answer;
     }
 
     void answerChat(const QString& content) {

@@ -18,6 +18,8 @@ namespace velorin {
 
 struct FakeTranscriber final : SpeechTranscriber {
     QString locale;
+    Gate isRecognised{true}; ///< The end of its input is answered once this is open.
+    std::optional<std::vector<TranscriptionResult>> finalResults; ///< In place of the fake's.
     std::deque<TranscriptionResult> results;
     std::optional<QString> error;
     bool ended = false;
@@ -60,6 +62,7 @@ struct FakeSpeechRecognition final : SpeechRecognition, AssetInventory {
     std::optional<QString> analysisError;
     std::optional<QString> finalizationError;
     Gate finalizationGate{true};
+    bool isSlow = false; ///< New transcribers begin with the end of their input unanswered.
     /// Delivered, then the results end, when the newest transcriber is told that its input is complete.
     std::vector<TranscriptionResult> finalResults;
 
@@ -87,6 +90,8 @@ struct FakeSpeechRecognition final : SpeechRecognition, AssetInventory {
         asked.push_back(QStringLiteral("makeTranscriber ") + locale);
         transcribers.push_back(std::make_shared<FakeTranscriber>());
         transcribers.back()->locale = locale;
+        if (isSlow)
+            transcribers.back()->isRecognised.close();
         return transcribers.back();
     }
     QCoro::Task<std::optional<AudioFormat>>
@@ -150,7 +155,8 @@ private:
         RecognitionTask<void> finalizeAndFinishThroughEndOfInput() override {
             owner.asked.push_back(QStringLiteral("finalize"));
             co_await owner.finalizationGate.opened();
-            for (const TranscriptionResult& result : owner.finalResults)
+            co_await transcriber->isRecognised.opened();
+            for (const TranscriptionResult& result : transcriber->finalResults.value_or(owner.finalResults))
                 transcriber->results.push_back(result);
             transcriber->ended = true;
             transcriber->hasNews.open();

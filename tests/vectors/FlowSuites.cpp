@@ -3,8 +3,9 @@
 #include "ai/AIKeychain.h"
 #include "cleanup/PolishGuard.h"
 #include "core/AIReadiness.h"
+#include "core/Dictation.h"
+#include "core/EndingChoice.h"
 #include "tests/core/ModelDesk.h"
-#include "text/WhiteSpace.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -51,55 +52,53 @@ QJsonValue aiConfiguration(const QJsonObject& in) {
                        {u"apiKey"_s, configuration->apiKey}};
 }
 
-/// Everything that a dictation's end is decided by, as it stands when the key comes up.
-void restoreSession(AppModel& model, const QJsonObject& in) {
-    model.setFinalizedText(in[u"finalizedText"].toString());
-    model.setVolatileText(in[u"volatileText"].toString());
+void restoreSettings(AppModel& model, const QJsonObject& in) {
     model.setCleanMode(in[u"cleanMode"] == u"off"_s ? CleanMode::off : CleanMode::rules);
-    model.setActiveProfile(contextProfileFromRawString(in[u"activeProfile"].toString()).value());
     model.setAIGenerateEnabled(in[u"aiGenerateEnabled"].toBool());
     model.setAIPolishEnabled(in[u"aiPolishEnabled"].toBool());
     model.setAIGenerateTrigger(in[u"aiGenerateTrigger"].toString());
-    model.setIsEditSession(in[u"isEditSession"].toBool());
-    if (in[u"pendingSelection"].toBool())
-        model.setPendingSelection(SelectionSnapshot{.text = u"selection"_s, .appPID = {}});
-    if (in[u"pendingContext"].toBool())
-        model.setPendingContext(u"pendingContext"_s);
 }
 
-QJsonValue askedFlow(const AppModel& model, const QString& flow) {
-    const QString kind = flow.section(u' ', 0, 0);
-    const QString rest = flow.section(u' ', 1);
-    if (kind == "edit"_L1) {
-        const QString instruction = model.finalizedText() + model.volatileText();
-        return QJsonObject{
-            {u"flow"_s, kind},
-            {u"instruction"_s,
-             WhiteSpace::trimmed(instruction, WhiteSpace::Set::whitespacesAndNewlines).toString()}};
-    }
-    const QString first = rest.section(u" | "_s, 0, -2);
-    const QString second = rest.section(u" | "_s, -1);
-    if (kind == "generate"_L1)
-        return QJsonObject{{u"flow"_s, kind}, {u"instruction"_s, first}, {u"context"_s, second}};
-    const bool asksModel = PolishGuard::words(first).size() >= 4;
-    return QJsonObject{
-        {u"flow"_s, kind}, {u"base"_s, first}, {u"raw"_s, second}, {u"asksModel"_s, asksModel}};
+/// The dictation as it stands when its last word has been recognised.
+SharedDictation restoredDictation(const QJsonObject& in) {
+    auto dictation = std::make_shared<Dictation>();
+    dictation->finalizedText = in[u"finalizedText"].toString();
+    dictation->volatileText = in[u"volatileText"].toString();
+    dictation->profile = contextProfileFromRawString(in[u"activeProfile"].toString()).value();
+    dictation->isEdit = in[u"isEditSession"].toBool();
+    if (in[u"pendingSelection"].toBool())
+        dictation->selection = SelectionSnapshot{.text = u"selection"_s, .appPID = {}};
+    if (in[u"pendingContext"].toBool())
+        dictation->context = u"pendingContext"_s;
+    return dictation;
 }
 
 QJsonValue stopRoute(const QJsonObject& in) {
     ModelDesk desk;
     AppModel& model = desk.start();
-    model.setContextMode(ContextMode::generic);
-    desk.pressHold();
-    desk.finishing->configured = in[u"aiConfigured"].toBool();
-    desk.selection->context = u"contextText"_s;
-    restoreSession(model, in);
-    desk.releaseHold();
-    desk.waitUntilSettled();
-    if (!desk.finishing->flows.isEmpty())
-        return askedFlow(model, desk.finishing->flows.first());
-    const QString raw = model.finalizedText() + model.volatileText();
-    return QJsonObject{{u"flow"_s, u"plain"_s}, {u"base"_s, model.cleanedText()}, {u"raw"_s, raw}};
+    restoreSettings(model, in);
+    const auto dictation = restoredDictation(in);
+    const auto choice = EndingChoice::of(*dictation, model, in[u"aiConfigured"].toBool());
+    switch (choice.kind) {
+    case EndingChoice::Kind::generate: {
+        const QString context = !choice.context        ? u"contextText"_s
+                                : dictation->selection ? u"selection"_s
+                                                       : u"pendingContext"_s;
+        return QJsonObject{
+            {u"flow"_s, u"generate"_s}, {u"instruction"_s, choice.instruction}, {u"context"_s, context}};
+    }
+    case EndingChoice::Kind::edit:
+        return QJsonObject{{u"flow"_s, u"edit"_s}, {u"instruction"_s, choice.instruction}};
+    case EndingChoice::Kind::polish:
+        return QJsonObject{{u"flow"_s, u"polish"_s},
+                           {u"base"_s, choice.base},
+                           {u"raw"_s, dictation->transcript()},
+                           {u"asksModel"_s, PolishGuard::words(choice.base).size() >= 4}};
+    case EndingChoice::Kind::plain:
+        return QJsonObject{
+            {u"flow"_s, u"plain"_s}, {u"base"_s, choice.base}, {u"raw"_s, dictation->transcript()}};
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace

@@ -145,7 +145,7 @@ private:
     }
 
     void insertAgain(const QString& text) {
-        model_.setCleanedText(text);
+        model_.setUndeliveredText({});
         model_.setLastInsertedText(text);
         model_.pasteAgain();
     }
