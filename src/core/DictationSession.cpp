@@ -356,7 +356,8 @@ void DictationSession::contextModeChanged() {
 QCoro::Task<> DictationSession::stop() {
     const auto dictation = line_.in(State::listening);
     if (!dictation) {
-        const bool isFinishing = !launching() && line_.in(State::draining);
+        const bool isLaunching = asked_ && asked_->state == State::launching;
+        const bool isFinishing = !isLaunching && line_.in(State::draining);
         qCInfo(shortcutLog).noquote() << (isFinishing ? u"stop ignored: already finishing"_s
                                                       : u"stop ignored: engine was not recording"_s);
         co_return;
@@ -484,8 +485,6 @@ void DictationSession::keep(const Dictation& dictation, const Ending& ending) {
 }
 
 void DictationSession::showEnd(const Dictation& dictation, const Ending& ending) {
-    if (ending.problem)
-        model_.setErrorMessage(ending.problem);
     if (!isNewest(dictation))
         return;
     if (ending.isPlain())
@@ -514,9 +513,9 @@ void DictationSession::deliver(const Dictation& dictation, const Ending& ending)
 void DictationSession::setAside(const Ending& ending) {
     if (!ending.text.isEmpty())
         model_.setUndeliveredText(ending.text);
-    if (!ending.problem)
-        model_.setErrorMessage(
-            AppModel::tr("The answer came after the next dictation had begun, so it was not inserted."));
+    model_.setErrorMessage(
+        ending.problem.value_or(AppModel::tr("The answer came after the next dictation had begun, so it was "
+                                             "not inserted.")));
 }
 
 /// The overlay belongs to the newest dictation, and to none when that has ended.

@@ -29,7 +29,7 @@ public:
         note(QStringLiteral("transcribe ") + dictation->recording->path(), *dictation);
         asking(AIProcessing::transcribe);
         co_await gate.opened();
-        co_return transcription;
+        co_return std::as_const(transcription); // a task moves what is not const
     }
     QCoro::Task<Ending> generated(SharedDictation dictation, QString instruction,
                                   std::optional<QString> context, Asking asking) override {
@@ -77,7 +77,7 @@ public:
     QCoro::Task<std::optional<SelectionSnapshot>> snapshot(RunningApplication) override {
         ++snapshots;
         co_await gate.opened();
-        co_return answer;
+        co_return std::as_const(answer); // a task moves what is not const
     }
     QCoro::Task<bool> isStillSelected(SelectionSnapshot) override {
         co_await gate.opened();

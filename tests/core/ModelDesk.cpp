@@ -60,6 +60,11 @@ void ModelDesk::openGates() {
                        &recognition.finalizationGate, &audioInput.formatGate, &audioInput.startGate,
                        &audioInput.stopGate, &selection->gate, &chatSession.gate, &transcriptionSession.gate})
         gate->open();
+    for (const auto& transcriber : recognition.transcribers)
+        transcriber->isRecognised.open();
+    for (auto* session : {&chatSession, &transcriptionSession})
+        while (!session->pending.empty())
+            session->answerPending(0, session->answer);
     if (finishing)
         finishing->gate.open();
 }

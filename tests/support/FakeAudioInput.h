@@ -28,7 +28,10 @@ struct FakeAudioInput final : AudioInput {
     };
     std::vector<Start> starts;
     int formatQuestions = 0;
+    int failedStarts = 0;
     int stops = 0;
+    /// Whether somebody is listening.
+    [[nodiscard]] bool isOpen() const { return static_cast<int>(starts.size()) > failedStarts + stops; }
     /// Those of the last start.
     Block block;
     Failure failure;
@@ -45,6 +48,8 @@ struct FakeAudioInput final : AudioInput {
         block = std::move(newBlock);
         failure = std::move(newFailure);
         co_await startGate.opened();
+        if (startError)
+            ++failedStarts;
         if (startError)
             co_return tl::unexpected(*startError);
         co_return tl::expected<void, QString>{};

@@ -38,7 +38,7 @@ public:
             co_return mine->answer;
         }
         co_await gate.opened();
-        co_return answer;
+        co_return std::as_const(answer); // a task moves what is not const
     }
     void answerPending(std::size_t index, HttpResult with) {
         const auto its = pending.at(index);

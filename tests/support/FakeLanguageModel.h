@@ -16,7 +16,7 @@ public:
     [[nodiscard]] Availability availability() const override { return state; }
     QCoro::Task<tl::expected<QString, LanguageModelFailure>> respond(LanguageModelRequest request) override {
         requests.push_back(std::move(request));
-        co_return answer;
+        co_return std::as_const(answer);
     }
 };
 

@@ -84,7 +84,7 @@ struct FakeSpeechRecognition final : SpeechRecognition, AssetInventory {
 
     QCoro::Task<std::optional<QString>> supportedLocale(QString identifier) override {
         asked.push_back(QStringLiteral("supportedLocale ") + identifier);
-        co_return supported;
+        co_return std::as_const(supported);
     }
     std::shared_ptr<SpeechTranscriber> makeTranscriber(QString locale) override {
         asked.push_back(QStringLiteral("makeTranscriber ") + locale);
@@ -97,7 +97,7 @@ struct FakeSpeechRecognition final : SpeechRecognition, AssetInventory {
     QCoro::Task<std::optional<AudioFormat>>
     bestAvailableAudioFormat(std::shared_ptr<SpeechTranscriber> /*transcriber*/) override {
         asked.push_back(QStringLiteral("bestAvailableAudioFormat"));
-        co_return bestFormat;
+        co_return std::as_const(bestFormat);
     }
     std::shared_ptr<SpeechAnalyzer> makeAnalyzer(std::shared_ptr<SpeechTranscriber> transcriber) override {
         asked.push_back(QStringLiteral("makeAnalyzer"));
