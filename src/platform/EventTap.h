@@ -42,6 +42,23 @@ enum class EventTapError {
     unsupportedSession, ///< A session of a kind that this tap does not serve (Wayland).
 };
 
+/// Why a tap that runs does nothing for now.
+enum class TapTrouble {
+    serverIsLate, ///< The display server owes an answer, or ended the connection.
+    keysAreTaken, ///< Another program has a key in all its combinations.
+};
+
+/// What becomes of a tap that was started. All is called on the tap's own thread, and must not block.
+struct TapListener {
+    /// Once: the tap cannot go on and will not come back by itself (the display server is gone). It is then
+    /// still to be stopped before it is started again.
+    std::function<void()> onLost{};
+    /// For now keys are not seen; the tap does what it can to come back.
+    std::function<void(TapTrouble)> onSuspended{};
+    /// All keys are seen again. What came up meanwhile has been told to the handler before.
+    std::function<void()> onResumed{};
+};
+
 class EventTap {
 public:
     /// Called on the tap's own thread for each event, in order; it must not block.
@@ -49,13 +66,10 @@ public:
 
     virtual ~EventTap() = default;
 
-    /// Starts the tap's thread and waits, 250 ms at most, until keys are watched. Main thread. At most one tap
-    /// runs at a time.
-    ///
-    /// `onLost` is called once, on the tap's own thread, when the tap cannot go on and will not come back by
-    /// itself (the display server is gone). The tap is then still to be stopped before it is started again.
-    [[nodiscard]] virtual tl::expected<void, EventTapError> start(Handler handler,
-                                                                  std::function<void()> onLost) = 0;
+    /// Starts the tap's thread and waits, a second at most, until keys are watched. Main thread. At most one
+    /// tap runs at a time. Where the display server takes longer, the tap has been started all the same, and
+    /// is suspended until then.
+    [[nodiscard]] virtual tl::expected<void, EventTapError> start(Handler handler, TapListener listener) = 0;
 
     /// Ends the thread; the handler is not called any more when this returns. Main thread.
     virtual void stop() = 0;

@@ -47,10 +47,25 @@ QString message(EventTapError error) {
     Q_UNREACHABLE();
 }
 
+QString message(TapTrouble trouble) {
+    switch (trouble) {
+    case TapTrouble::serverIsLate:
+        return QCoreApplication::translate(
+            "ShortcutBackend", "Shortcuts do not work at the moment: the display server does not answer.");
+    case TapTrouble::keysAreTaken:
+        return QCoreApplication::translate(
+            "ShortcutBackend", "Shortcuts do not work at the moment: another program has taken their keys.");
+    }
+    Q_UNREACHABLE();
+}
+
+/// Most troubles are over before anybody can press a key.
+constexpr std::chrono::seconds troublePatience{2};
+
 } // namespace
 
-ShortcutBackend::ShortcutBackend(EventTap& tap)
-    : tap_(tap), matcher_{.configuration = ShortcutConfiguration::defaultConfiguration()} {}
+ShortcutBackend::ShortcutBackend(EventTap& tap, Clock& clock)
+    : tap_(tap), clock_(clock), matcher_{.configuration = ShortcutConfiguration::defaultConfiguration()} {}
 
 ShortcutBackend::~ShortcutBackend() { stopTap(); }
 
@@ -59,11 +74,7 @@ bool ShortcutBackend::ensureTap() {
         return true;
     stopTap();
     tellTappedKeys();
-    const auto started = tap_.start([this](const KeyEvent& event) { return process(event); },
-                                    [this] {
-                                        QMetaObject::invokeMethod(
-                                            &mainThread_, [this] { markLost(); }, Qt::QueuedConnection);
-                                    });
+    const auto started = tap_.start([this](const KeyEvent& event) { return process(event); }, listener());
     if (!started) {
         reportUnavailable(started.error());
         return false;
@@ -111,10 +122,12 @@ TapAnswer ShortcutBackend::process(const KeyEvent& event) {
         decision = matcher_.apply(event);
         edges = matcher_.takePendingEvents();
     }
-    if (isKeyboardEvent(event.type))
-        qCDebug(tapLog, "raw %s code=%lld flags=%llu decision=%s events=%s", typeName(event.type),
-                static_cast<long long>(event.keyCode), static_cast<unsigned long long>(event.flags),
-                qUtf8Printable(name(decision)), qUtf8Printable(names(edges)));
+    if (isKeyboardEvent(event.type) && tapLog().isDebugEnabled())
+        log_.write([event, decision, edges] {
+            qCDebug(tapLog, "raw %s code=%lld flags=%llu decision=%s events=%s", typeName(event.type),
+                    static_cast<long long>(event.keyCode), static_cast<unsigned long long>(event.flags),
+                    qUtf8Printable(name(decision)), qUtf8Printable(names(edges)));
+        });
     for (const auto edge : edges)
         post(edge);
     return decision == Decision::consume ? TapAnswer::swallow : TapAnswer::pass;
@@ -138,11 +151,62 @@ void ShortcutBackend::reportUnavailable(EventTapError error) {
         onTapStatusChanged(false);
 }
 
+TapListener ShortcutBackend::listener() {
+    const auto onMainThread = [this](auto action) {
+        QMetaObject::invokeMethod(&mainThread_, std::move(action), Qt::QueuedConnection);
+    };
+    return {
+        .onLost = [=, this] { onMainThread([this] { markLost(); }); },
+        .onSuspended = [=, this](TapTrouble trouble) { onMainThread([=, this] { markSuspended(trouble); }); },
+        .onResumed = [=, this] { onMainThread([this] { markResumed(); }); }};
+}
+
 void ShortcutBackend::markLost() {
     // The thread of the lost tap is ended when the next one is asked for.
     tapActive_ = false;
+    trouble_.reset();
+    isTroubleTold_ = false;
+    troubleTimer_ = {};
+    releaseAll();
     if (onTapStatusChanged)
         onTapStatusChanged(false);
+}
+
+void ShortcutBackend::markSuspended(TapTrouble trouble) {
+    if (!tapActive_)
+        return; // the start came to nothing, and that was told
+    const bool isKnown = std::exchange(trouble_, trouble).has_value();
+    if (isTroubleTold_)
+        tellSuspended();
+    else if (!isKnown)
+        troubleTimer_ = clock_.after(troublePatience, [this] { tellSuspended(); });
+}
+
+void ShortcutBackend::tellSuspended() {
+    isTroubleTold_ = true;
+    if (onTapUnavailable)
+        onTapUnavailable(message(*trouble_));
+    if (onTapStatusChanged)
+        onTapStatusChanged(false);
+}
+
+void ShortcutBackend::markResumed() {
+    trouble_.reset();
+    troubleTimer_ = {};
+    if (std::exchange(isTroubleTold_, false) && onTapStatusChanged)
+        onTapStatusChanged(true);
+}
+
+void ShortcutBackend::releaseAll() {
+    ShortcutInputState held;
+    {
+        const std::scoped_lock guard(lock_);
+        held = matcher_.state;
+    }
+    for (const auto key : held.pressedKeyCodes)
+        (void)process({.type = KeyEvent::keyUp, .keyCode = key});
+    for (const auto key : held.pressedModifierKeyCodes)
+        (void)process({.type = KeyEvent::flagsChanged, .keyCode = key});
 }
 
 void ShortcutBackend::stopTap() {

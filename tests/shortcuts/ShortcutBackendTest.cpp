@@ -1,6 +1,7 @@
 #include "shortcuts/ShortcutBackend.h"
 
 #include "platform/Log.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/FakeEventTap.h"
 
 #include <QCoreApplication>
@@ -8,10 +9,12 @@
 
 #include <gmock/gmock.h>
 
+#include <future>
 #include <memory>
 #include <thread>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace velorin {
 namespace {
@@ -44,10 +47,19 @@ protected:
         backend_->onTapStatusChanged = [this](bool isActive) { statuses_.push_back(isActive); };
     }
 
+    void suspend(TapTrouble trouble) {
+        std::thread(tap_.listener.onSuspended, trouble).join();
+        deliver();
+    }
+    void resume() {
+        std::thread(tap_.listener.onResumed).join();
+        deliver();
+    }
     static void deliver() { QCoreApplication::sendPostedEvents(); }
 
     FakeEventTap tap_;
-    std::unique_ptr<ShortcutBackend> backend_ = std::make_unique<ShortcutBackend>(tap_);
+    FakeClock clock_;
+    std::unique_ptr<ShortcutBackend> backend_ = std::make_unique<ShortcutBackend>(tap_, clock_);
     std::vector<ShortcutEvent> events_;
     QStringList messages_;
     std::vector<bool> statuses_;
@@ -82,7 +94,7 @@ TEST_F(ShortcutBackendTest, SaysWhyThereIsNoTap) {
 
 TEST_F(ShortcutBackendTest, StartsAnewAfterTheTapWasLost) {
     backend_->ensureTap();
-    std::thread(tap_.onLost).join();
+    std::thread(tap_.listener.onLost).join();
     deliver();
     EXPECT_FALSE(backend_->tapActive());
     EXPECT_THAT(statuses_, ElementsAre(true, false));
@@ -90,6 +102,97 @@ TEST_F(ShortcutBackendTest, StartsAnewAfterTheTapWasLost) {
     EXPECT_EQ(tap_.stops, 1);
     EXPECT_EQ(tap_.starts, 2);
     EXPECT_THAT(statuses_, ElementsAre(true, false, true));
+}
+
+TEST_F(ShortcutBackendTest, SaysThatShortcutsDoNotWorkAfterTwoSecondsWithout) {
+    backend_->ensureTap();
+    suspend(TapTrouble::serverIsLate);
+    clock_.advance(1999ms);
+    EXPECT_EQ(messages_, QStringList());
+    clock_.advance(1ms);
+    EXPECT_EQ(messages_,
+              QStringList{u"Shortcuts do not work at the moment: the display server does not answer."_s});
+    EXPECT_TRUE(backend_->tapActive()) << "it comes back by itself";
+    EXPECT_TRUE(backend_->ensureTap());
+    EXPECT_EQ(tap_.starts, 1);
+    EXPECT_THAT(statuses_, ElementsAre(true, false));
+    resume();
+    EXPECT_THAT(statuses_, ElementsAre(true, false, true));
+    clock_.advance(10s);
+    EXPECT_THAT(messages_, SizeIs(1));
+}
+
+TEST_F(ShortcutBackendTest, SaysNothingOfATroubleThatIsOverSoon) {
+    backend_->ensureTap();
+    suspend(TapTrouble::serverIsLate);
+    clock_.advance(1900ms);
+    suspend(TapTrouble::keysAreTaken);
+    resume();
+    clock_.advance(10s);
+    EXPECT_EQ(messages_, QStringList());
+    EXPECT_THAT(statuses_, ElementsAre(true)) << "an all-clear would hide what others have said";
+}
+
+TEST_F(ShortcutBackendTest, SaysWhyAnewWhenTheTroubleChanges) {
+    backend_->ensureTap();
+    suspend(TapTrouble::serverIsLate);
+    clock_.advance(1s);
+    suspend(TapTrouble::keysAreTaken);
+    clock_.advance(1s);
+    const auto taken = u"Shortcuts do not work at the moment: another program has taken their keys."_s;
+    EXPECT_EQ(messages_, QStringList{taken}) << "two seconds in all";
+    suspend(TapTrouble::serverIsLate);
+    EXPECT_THAT(messages_, SizeIs(2));
+}
+
+TEST_F(ShortcutBackendTest, SaysNothingOfATapThatDidNotStartOrWasLost) {
+    tap_.error = EventTapError::notPermitted;
+    EXPECT_FALSE(backend_->ensureTap());
+    tap_.error.reset();
+    backend_->ensureTap();
+    suspend(TapTrouble::serverIsLate);
+    std::thread(tap_.listener.onLost).join();
+    deliver();
+    suspend(TapTrouble::serverIsLate);
+    clock_.advance(10s);
+    EXPECT_THAT(messages_, SizeIs(1)) << "that it did not start";
+}
+
+TEST_F(ShortcutBackendTest, EndsWhatWasHeldWhenTheTapIsLost) {
+    backend_->setConfiguration(
+        {.hold = holdF5().hold, .toggle = {.keyCode = 63, .kind = ShortcutBindingKind::modifierKey}});
+    backend_->ensureTap();
+    tap_.handler(f5Down);
+    tap_.handler(fnDown);
+    std::thread(tap_.listener.onLost).join();
+    deliver();
+    deliver(); // what the loss posted itself
+    EXPECT_THAT(events_, ElementsAre(holdActivated, toggleActivated, holdDeactivated, toggleDeactivated));
+    EXPECT_TRUE(backend_->ensureTap());
+    EXPECT_EQ(tap_.handler(fnUp), TapAnswer::pass) << "its press was another tap's";
+    tap_.handler(f5Down);
+    deliver();
+    EXPECT_THAT(events_, ElementsAre(holdActivated, toggleActivated, holdDeactivated, toggleDeactivated,
+                                     holdActivated));
+}
+
+TEST_F(ShortcutBackendTest, AnswersWhileItsLogIsStuck) {
+    static std::promise<void> isRead;
+    static const auto reading = isRead.get_future().share();
+    QLoggingCategory::setFilterRules(u"dev.orrin.velorin.tap.debug=true"_s);
+    const auto previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { reading.wait(); });
+    backend_->ensureTap();
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(tap_.handler(fnDown), TapAnswer::swallow);
+        EXPECT_EQ(tap_.handler(fnUp), TapAnswer::swallow);
+    }
+    deliver();
+    EXPECT_THAT(events_, SizeIs(20)) << "and its edges arrive";
+    isRead.set_value();
+    backend_.reset();
+    qInstallMessageHandler(previous);
+    QLoggingCategory::setFilterRules({});
 }
 
 TEST_F(ShortcutBackendTest, DeliversTheEdgesOfSwallowedEventsInOrder) {
@@ -244,6 +347,7 @@ TEST_F(ShortcutBackendTest, LogsEachKeyboardEventThatTheMatcherSaw) {
     tap_.handler({.type = 0xFFFFFFFE, .keyCode = 0, .flags = 0});
     backend_->setCaptureMode(true);
     tap_.handler(f5Up);
+    backend_.reset(); // the log is written behind the answers, and to its end when the backend goes
     EXPECT_EQ(LogLines::lines,
               (QStringList{u"raw flagsChanged code=63 flags=8388608 decision=consume "
                            "events=holdActivated,toggleActivated"_s,
@@ -255,6 +359,7 @@ TEST_F(ShortcutBackendTest, LogsNothingByDefault) {
     backend_->ensureTap();
     const LogLines log("");
     tap_.handler(fnDown);
+    backend_.reset();
     EXPECT_EQ(LogLines::lines, QStringList());
 }
 

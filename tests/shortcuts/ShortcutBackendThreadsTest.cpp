@@ -1,6 +1,7 @@
 // For ThreadSanitizer. Nothing here runs an event loop, which Qt comes without the instrumentation for: the
 // edges stay posted, and go with the backend.
 #include "shortcuts/ShortcutBackend.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/FakeEventTap.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +20,8 @@ ShortcutConfiguration holdKey(quint16 keyCode) {
 
 TEST(ShortcutBackendThreads, ProcessesKeysWhileTheMainThreadChangesEverything) {
     FakeEventTap tap;
-    ShortcutBackend backend(tap);
+    FakeClock clock;
+    ShortcutBackend backend(tap, clock);
     ASSERT_TRUE(backend.ensureTap());
     std::atomic<bool> isTyping = true;
     std::atomic<int> swallowed = 0;

@@ -1,4 +1,4 @@
-/// Records what it was asked and answers what the test set. A test speaks through `handler` and `onLost`.
+/// Records what it was asked and answers what the test set. A test speaks through `handler` and `listener`.
 #pragma once
 
 #include "platform/EventTap.h"
@@ -13,16 +13,16 @@ public:
     int starts = 0;
     int stops = 0;
     Handler handler; ///< Of the tap that runs; empty when none does.
-    std::function<void()> onLost;
+    TapListener listener;
     std::vector<std::vector<TappedKey>> tappedKeys; ///< One entry a call.
 
     [[nodiscard]] tl::expected<void, EventTapError> start(Handler newHandler,
-                                                          std::function<void()> newOnLost) override {
+                                                          TapListener newListener) override {
         ++starts;
         if (error)
             return tl::unexpected(*error);
         handler = std::move(newHandler);
-        onLost = std::move(newOnLost);
+        listener = std::move(newListener);
         return {};
     }
     void stop() override {

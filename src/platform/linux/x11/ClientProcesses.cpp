@@ -29,12 +29,12 @@ bool isClipboardManagerName(std::string_view name) {
     return std::ranges::find(managerNames, name) != managerNames.end();
 }
 
-ClientProcesses::ClientProcesses(XConnection& connection)
-    : connection_(connection), canAsk_(connection.extension(xcb_res_id) != nullptr) {
+ClientProcesses::ClientProcesses(XConnection& connection, std::chrono::milliseconds patience)
+    : connection_(connection), canAsk_(connection.extension(xcb_res_id, patience) != nullptr) {
     if (!canAsk_)
         return;
     const auto version = connection_.reply<xcb_res_query_version_reply_t>(
-        xcb_res_query_version(connection_.get(), 1, 2), Deadline(serverDeadline));
+        xcb_res_query_version(connection_.get(), 1, 2), Deadline(patience));
     canAsk_ = version && (version->server_major > 1 || version->server_minor >= 2);
 }
 

@@ -11,7 +11,8 @@ namespace velorin {
 
 class ClientProcesses final {
 public:
-    explicit ClientProcesses(XConnection& connection);
+    /// `patience`: for each answer; a server that takes longer counts as one that cannot tell.
+    explicit ClientProcesses(XConnection& connection, std::chrono::milliseconds patience = serverDeadline);
 
     /// 0 where the server cannot tell: a client from another machine, or no X-Resource extension.
     [[nodiscard]] std::int64_t processOf(xcb_window_t window, Deadline deadline);

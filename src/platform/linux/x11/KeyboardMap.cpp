@@ -112,6 +112,8 @@ std::optional<KeySet> keysHeldByUser(const XConnection& connection, Deadline dea
             continue;
         const auto state = connection.reply<xcb_input_query_device_state_reply_t>(
             xcb_input_query_device_state(c, infos[i].device_id), deadline);
+        if (!state && deadline.hasPassed())
+            return std::nullopt;
         if (!state)
             continue; // unplugged meanwhile
         for (auto classes = xcb_input_query_device_state_classes_iterator(state.get()); classes.rem > 0;

@@ -14,46 +14,79 @@ namespace velorin {
 
 namespace {
 
-constexpr auto patience = serverDeadline;
+/// What tells that other windows are in front, or that some have gone.
+constexpr std::array<std::string_view, 2> namesOfOthersProperties{"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"};
+
+using Extension = const xcb_query_extension_reply_t*;
+
+tl::expected<Extension, TapRefusal> extensionOf(const XConnection& connection, xcb_extension_t& id,
+                                                std::chrono::milliseconds patience) {
+    xcb_prefetch_extension_data(connection.get(), &id);
+    if (!connection.sync(Deadline(patience)))
+        return tl::unexpected(TapRefusal::late);
+    const auto* data = xcb_get_extension_data(connection.get(), &id);
+    return data && data->present ? tl::expected<Extension, TapRefusal>(data)
+                                 : tl::unexpected(TapRefusal::unfit);
+}
+
+/// The input extension, in version 2.2 or above.
+tl::expected<Extension, TapRefusal> input22Of(const XConnection& connection,
+                                              std::chrono::milliseconds patience) {
+    const auto input = extensionOf(connection, xcb_input_id, patience);
+    if (!input)
+        return input;
+    const auto version = connection.reply<xcb_input_xi_query_version_reply_t>(
+        xcb_input_xi_query_version(connection.get(), 2, 2), Deadline(patience));
+    if (!version)
+        return tl::unexpected(TapRefusal::late);
+    const bool isEnough =
+        version->major_version > 2 || (version->major_version == 2 && version->minor_version >= 2);
+    return isEnough ? input : tl::unexpected(TapRefusal::unfit);
+}
 
 } // namespace
 
-bool hasInput22(const XConnection& connection) {
-    if (!connection.extension(xcb_input_id))
-        return false;
-    const auto version = connection.reply<xcb_input_xi_query_version_reply_t>(
-        xcb_input_xi_query_version(connection.get(), 2, 2), Deadline(patience));
-    return version && (version->major_version > 2 || version->minor_version >= 2);
-}
+bool hasInput22(const XConnection& connection) { return input22Of(connection, serverDeadline).has_value(); }
 
-std::unique_ptr<TapConnections> TapConnections::open() {
+tl::expected<std::unique_ptr<TapConnections>, TapRefusal>
+TapConnections::open(std::chrono::milliseconds patience) {
     auto grabs = XConnection::open();
     auto raw = XConnection::open();
     if (!grabs || !raw)
-        return nullptr;
+        return tl::unexpected(TapRefusal::noServer);
     std::unique_ptr<TapConnections> made(new TapConnections(std::move(grabs), std::move(raw))); // private
-    return made->setUp() ? std::move(made) : nullptr;
+    if (const auto refusal = made->setUp(patience))
+        return tl::unexpected(*refusal);
+    return made;
 }
 
-bool TapConnections::setUp() {
-    if (!hasInput22(*grabs_) || !hasInput22(*raw_) || !grabs_->extension(xcb_test_id))
-        return false;
-    opcode_ = grabs_->extension(xcb_input_id)->major_opcode;
-    firstInputEvent_ = grabs_->extension(xcb_input_id)->first_event;
+std::optional<TapRefusal> TapConnections::setUp(std::chrono::milliseconds patience) {
+    const auto input = input22Of(*grabs_, patience);
+    if (!input)
+        return input.error();
+    if (const auto heard = input22Of(*raw_, patience); !heard)
+        return heard.error();
+    if (const auto test = extensionOf(*grabs_, xcb_test_id, patience); !test)
+        return test.error();
+    opcode_ = (*input)->major_opcode;
+    firstInputEvent_ = (*input)->first_event;
     // Only on the one that sets locks: a connection that speaks this extension is told of changes of the map
     // in other ways than the one by which we are told.
-    if (grabs_->extension(xcb_xkb_id))
+    if (extensionOf(*grabs_, xcb_xkb_id, patience))
         (void)grabs_->reply<xcb_xkb_use_extension_reply_t>(xcb_xkb_use_extension(grabs_->get(), 1, 0),
                                                            Deadline(patience));
     selectInput(*raw_, XCB_INPUT_DEVICE_ALL,
                 XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE |
                     XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
-    return readDevices() && raw_->sync(Deadline(patience));
+    if (!readDevices(patience) || !raw_->sync(Deadline(patience)))
+        return TapRefusal::late;
+    return std::nullopt;
 }
 
-bool TapConnections::readDevices() {
+bool TapConnections::readDevices(std::chrono::milliseconds patience) {
     const auto devices = raw_->reply<xcb_input_xi_query_device_reply_t>(
         xcb_input_xi_query_device(raw_->get(), XCB_INPUT_DEVICE_ALL), Deadline(patience));
+    areDevicesOld_ = !devices;
     if (!devices)
         return false;
     std::set<std::uint16_t> present;
@@ -85,7 +118,7 @@ void TapConnections::readGrabbed(std::deque<TapKey>& grabbedKeys) {
 }
 
 std::optional<TapKey> TapConnections::nextGrabbed(std::deque<TapKey>& grabbedKeys) {
-    const Deadline deadline(patience);
+    const Deadline deadline(serverDeadline);
     for (;;) {
         readGrabbed(grabbedKeys);
         if (!grabbedKeys.empty()) {
@@ -115,10 +148,32 @@ bool TapConnections::read(std::deque<TapKey>& grabbedKeys, std::deque<TapKey>& r
                    reinterpret_cast<const xcb_ge_generic_event_t&>(*event).event_type ==
                        XCB_INPUT_HIERARCHY) {
             isChanged = true;
-            (void)readDevices();
+            (void)readDevices(serverDeadline);
+        } else if (isWatchingOthers_ && tellsOfOthers(*event)) {
+            haveOthersChanged_ = true;
         }
     }
     return isChanged;
+}
+
+void TapConnections::watchOthers(bool isWatching) {
+    if (std::exchange(isWatchingOthers_, isWatching) == isWatching)
+        return;
+    propertiesOfOthers_.clear();
+    for (const auto name : namesOfOthersProperties)
+        propertiesOfOthers_.push_back(raw_->atom(name));
+    const std::uint32_t events =
+        isWatching ? XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : 0;
+    xcb_change_window_attributes(raw_->get(), raw_->root(), XCB_CW_EVENT_MASK, &events);
+    raw_->flush();
+}
+
+bool TapConnections::tellsOfOthers(const xcb_generic_event_t& event) const {
+    const int type = event.response_type & 0x7f;
+    if (type != XCB_PROPERTY_NOTIFY)
+        return type == XCB_DESTROY_NOTIFY; // a program without a window of any kind goes unnoticed
+    const auto atom = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
+    return std::ranges::find(propertiesOfOthers_, atom) != propertiesOfOthers_.end();
 }
 
 std::optional<TapKey> TapConnections::keyIn(const xcb_generic_event_t& event) const {

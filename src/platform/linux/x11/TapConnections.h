@@ -13,6 +13,7 @@
 #include <deque>
 #include <optional>
 #include <set>
+#include <tl/expected.hpp>
 
 namespace velorin {
 
@@ -31,10 +32,19 @@ struct TapKey {
 /// Asks for version 2.2 of the input extension, and says whether the server has it.
 [[nodiscard]] bool hasInput22(const XConnection& connection);
 
+/// Why there are no connections.
+enum class TapRefusal {
+    noServer, ///< Nobody listens, or lets us in.
+    late,     ///< It owes an answer; the next attempt may have it.
+    unfit,    ///< It lacks XInput 2.2 or XTEST.
+    unwanted, ///< Nobody waits for them any more.
+};
+
 class TapConnections final {
 public:
-    /// Null when there is no server, or one without XInput 2.2 or XTEST.
-    [[nodiscard]] static std::unique_ptr<TapConnections> open();
+    /// `patience`: for each answer. For the first of all there is none, see TapConnector.
+    [[nodiscard]] static tl::expected<std::unique_ptr<TapConnections>, TapRefusal>
+    open(std::chrono::milliseconds patience = serverDeadline);
 
     [[nodiscard]] XConnection& grabs() const { return *grabs_; }
     [[nodiscard]] XConnection& raw() const { return *raw_; }
@@ -47,6 +57,15 @@ public:
     /// Takes what has arrived, to the end of the queues. True if the keyboard's map or the devices changed.
     /// `rawKeys` are those whose turn has come.
     bool read(std::deque<TapKey>& grabbedKeys, std::deque<TapKey>& rawKeys);
+    /// The devices are read as they change; where the server owed the answer, this asks again. False if it
+    /// still does.
+    bool readDevicesAgain() { return !areDevicesOld_ || readDevices(serverDeadline); }
+    [[nodiscard]] bool areDevicesOld() const { return areDevicesOld_; }
+
+    /// From now on it is told when other programs come to the front or leave, or no longer.
+    void watchOthers(bool isWatching);
+    /// Whether some did, since this was asked last.
+    [[nodiscard]] bool haveOthersChanged() { return std::exchange(haveOthersChanged_, false); }
 
     /// What was heard at once, since it was forgotten last.
     [[nodiscard]] const std::deque<TapKey>& heardAtOnce() const { return heardAtOnce_; }
@@ -91,8 +110,9 @@ public:
 private:
     TapConnections(std::unique_ptr<XConnection> grabs, std::unique_ptr<XConnection> raw)
         : grabs_(std::move(grabs)), raw_(std::move(raw)) {}
-    [[nodiscard]] bool setUp();
-    [[nodiscard]] bool readDevices();
+    [[nodiscard]] std::optional<TapRefusal> setUp(std::chrono::milliseconds patience);
+    [[nodiscard]] bool readDevices(std::chrono::milliseconds patience);
+    [[nodiscard]] bool tellsOfOthers(const xcb_generic_event_t& event) const;
     [[nodiscard]] std::optional<TapKey> keyIn(const xcb_generic_event_t& event) const;
     void hear(TapKey key, std::deque<TapKey>& rawKeys);
 
@@ -126,6 +146,10 @@ private:
     std::deque<TapKey> heardAtOnce_;
     std::array<std::array<int, 256>, 2> toCome_{}; ///< Releases; presses.
     KeySet userDownByNow_;
+    bool areDevicesOld_ = false;
+    bool isWatchingOthers_ = false;
+    std::vector<xcb_atom_t> propertiesOfOthers_;
+    bool haveOthersChanged_ = false;
 };
 
 } // namespace velorin

@@ -8,20 +8,23 @@ namespace velorin {
 
 namespace {
 
+bool isPlanned(const GrabPlan& plan, xcb_keycode_t key, std::uint32_t state) {
+    const auto found = plan.find(key);
+    return found != plan.end() && found->second.contains(state);
+}
+
 std::vector<std::uint32_t> without(const std::set<std::uint32_t>& some, const GrabPlan& plan,
                                    xcb_keycode_t key) {
-    const auto found = plan.find(key);
     std::vector<std::uint32_t> rest;
-    std::ranges::copy_if(some, std::back_inserter(rest), [&](std::uint32_t state) {
-        return found == plan.end() || !found->second.contains(state);
-    });
+    std::ranges::copy_if(some, std::back_inserter(rest),
+                         [&](std::uint32_t state) { return !isPlanned(plan, key, state); });
     return rest;
 }
 
 } // namespace
 
-TapGrabs::TapGrabs(const TapConnections& connections, SharedKeyState& shared)
-    : connections_(connections), shared_(shared) {}
+TapGrabs::TapGrabs(const TapConnections& connections, SharedKeyState& shared, LogThread& log)
+    : connections_(connections), shared_(shared), log_(log) {}
 
 TapGrabs::~TapGrabs() {
     plan_.clear();
@@ -35,23 +38,87 @@ void TapGrabs::apply(const GrabPlan& plan, const TapKeys& keys) {
     for (const auto& [key, states] : plan_)
         if (const auto gone = without(states, plan, key); !gone.empty())
             ungrab(key, gone);
-    std::vector<std::pair<xcb_keycode_t, xcb_input_xi_passive_grab_device_cookie_t>> asked;
-    for (const auto& [key, states] : plan)
-        if (const auto fresh = without(states, plan_, key); !fresh.empty())
-            asked.emplace_back(key, request(key, fresh));
-    plan_ = plan;
-    for (const auto& [key, cookie] : asked) {
-        const auto refused = connections_.grabs().reply<xcb_input_xi_passive_grab_device_reply_t>(
-            cookie, Deadline(serverDeadline));
-        if (!refused)
-            continue;
-        const auto* states = xcb_input_xi_passive_grab_device_modifiers(refused.get());
-        for (int i = 0; i < xcb_input_xi_passive_grab_device_modifiers_length(refused.get()); ++i)
-            qCWarning(tapLog, "grab refused: key %d (code %d) with modifiers 0x%x belongs to another program",
-                      int{key}, int{keys.virtualOf(key).value_or(0)}, states[i].modifiers);
+    const auto known = std::exchange(plan_, plan);
+    for (const auto& [key, states] : std::exchange(refused_, {}))
+        for (const auto state : states)
+            if (isPlanned(plan_, key, state))
+                refused_[key].insert(state);
+    for (const auto& [key, states] : plan_) {
+        codes_[key] = keys.virtualOf(key).value_or(0);
+        if (auto fresh = without(states, known, key); !fresh.empty())
+            ask(key, std::move(fresh));
     }
-    (void)connections_.grabs().sync(Deadline(serverDeadline));
+    awaitAnswers();
     publish();
+}
+
+void TapGrabs::askForRefused() {
+    if (!questions_.empty())
+        return; // the server is late, and asked enough
+    for (const auto& [key, states] : refused_)
+        ask(key, {states.begin(), states.end()});
+    awaitAnswers();
+}
+
+void TapGrabs::ask(xcb_keycode_t key, std::vector<std::uint32_t> states) {
+    const auto cookie = request(key, states);
+    questions_.push_back({key, std::move(states), cookie});
+}
+
+void TapGrabs::awaitAnswers() {
+    // The server answers in the order of the questions: behind this one all are there, if it is not late.
+    (void)connections_.grabs().sync(Deadline(serverDeadline));
+    takeAnswers();
+}
+
+void TapGrabs::takeAnswers() {
+    while (!questions_.empty()) {
+        const auto answer = connections_.grabs().replyByNow<xcb_input_xi_passive_grab_device_reply_t>(
+            questions_.front().cookie);
+        if (!answer)
+            return;
+        if (*answer)
+            note(questions_.front(), **answer);
+        questions_.pop_front();
+    }
+}
+
+void TapGrabs::note(const Question& question, const xcb_input_xi_passive_grab_device_reply_t& answer) {
+    const auto* first = xcb_input_xi_passive_grab_device_modifiers(&answer);
+    const auto* end = first + xcb_input_xi_passive_grab_device_modifiers_length(&answer);
+    for (const auto state : question.states) {
+        const bool isRefused =
+            std::any_of(first, end, [&](const auto& refused) { return refused.modifiers == state; });
+        if (isPlanned(plan_, question.key, state))
+            noteState(question.key, state, isRefused);
+    }
+}
+
+void TapGrabs::noteState(xcb_keycode_t key, std::uint32_t state, bool isRefused) {
+    const auto known = refused_.find(key);
+    const bool wasRefused = known != refused_.end() && known->second.contains(state);
+    if (isRefused == wasRefused)
+        return;
+    isNewlyRefused_ = isNewlyRefused_ || isRefused;
+    if (isRefused)
+        refused_[key].insert(state);
+    else if (known->second.erase(state); known->second.empty())
+        refused_.erase(known);
+    log_.write([key, state, isRefused, code = codes_[key]] {
+        if (isRefused)
+            qCWarning(tapLog, "grab refused: key %d (code %d) with modifiers 0x%x belongs to another program",
+                      int{key}, int{code}, state);
+        else
+            qCInfo(tapLog, "grab granted: key %d (code %d) with modifiers 0x%x", int{key}, int{code}, state);
+    });
+}
+
+std::optional<TapTrouble> TapGrabs::trouble() const {
+    if (!questions_.empty())
+        return TapTrouble::serverIsLate;
+    const bool isAnyTaken = std::ranges::any_of(
+        refused_, [&](const auto& entry) { return entry.second == plan_.at(entry.first); });
+    return isAnyTaken ? std::optional(TapTrouble::keysAreTaken) : std::nullopt;
 }
 
 void TapGrabs::grabModifiers(const KeySet& modifiers) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <poll.h>
 
 namespace velorin {
@@ -14,6 +15,27 @@ constexpr std::array<std::uint16_t, 2> superCodes{54, 55};
 
 /// Nobody presses a key again at the very end of it.
 constexpr std::chrono::milliseconds typingPause{100};
+
+/// For all that the tap has to know before it grabs a key.
+constexpr std::chrono::milliseconds setUpPatience{1000};
+
+// In tries of growing pauses. Who has a key of ours may be about to leave, like the program that was started
+// before us; that takes seconds. Who comes to the front or goes has done so a moment later.
+constexpr int triesWhenRefused = 12;
+constexpr int triesWhenOthersChange = 3;
+
+/// A server that was there may turn us away for a moment, when it has too many clients.
+constexpr int refusalsOfAServer = 5;
+
+constexpr int never = -1; ///< For poll().
+
+int earliest(std::initializer_list<int> timeouts) {
+    int least = never;
+    for (const int timeout : timeouts)
+        if (timeout != never && (least == never || timeout < least))
+            least = timeout;
+    return least;
+}
 
 std::uint32_t superState(const TapKeys& keys, const KeyboardMap& map) {
     std::uint32_t state = 0;
@@ -26,9 +48,10 @@ std::uint32_t superState(const TapKeys& keys, const KeyboardMap& map) {
 } // namespace
 
 TapLoop::TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
-                 EventTap::Handler handler, GuardProcess& guard)
+                 EventTap::Handler handler, TapListener listener, GuardProcess& guard, LogThread& log)
     : connections_(std::move(connections)), shared_(shared), orders_(orders), handler_(std::move(handler)),
-      guard_(guard) {}
+      listener_(std::move(listener)), guard_(guard), log_(log),
+      grabs_(std::make_unique<TapGrabs>(*connections_, shared_, log_)) {}
 
 TapLoop::~TapLoop() {
     shared_->isWatched = 0;
@@ -42,18 +65,25 @@ TapLoop::~TapLoop() {
 }
 
 void TapLoop::prepare() {
-    setUp();
     (void)obey();
+    setUp();
     (void)connections_->grabs().sync(Deadline(serverDeadline));
+    if (map_)
+        tell(grabs_->trouble());
 }
 
 bool TapLoop::run() {
     while (obey()) {
-        process();
-        if (!connections_->isBroken())
-            wait();
-        else if (!comeBack())
-            return false;
+        if (connections_->isBroken()) {
+            if (!comeBack())
+                return !orders_.isWanted();
+        } else if (!map_) {
+            awaitServer();
+        } else {
+            process();
+            if (!connections_->isBroken())
+                wait();
+        }
     }
     return true;
 }
@@ -82,14 +112,34 @@ bool TapLoop::obey() {
 
 void TapLoop::setUp() {
     const auto& grabs = connections_->grabs();
-    const auto resource = xcb_generate_id(grabs.get());
-    xcb_create_pixmap(grabs.get(), 1, resource, grabs.root(), 1, 1);
-    shared_->tapResource = resource;
-    shared_->isWatched = 1;
-    map_ = KeyboardMap::read(grabs, Deadline(serverDeadline));
-    grabs_ = std::make_unique<TapGrabs>(*connections_, shared_);
+    if (shared_->tapResource == 0) {
+        const auto resource = xcb_generate_id(grabs.get());
+        xcb_create_pixmap(grabs.get(), 1, resource, grabs.root(), 1, 1);
+        shared_->tapResource = resource;
+    }
+    // Nothing is grabbed before all is known: until then no key waits for us, however late the server is.
+    const Deadline deadline(setUpPatience);
+    const auto held = keysHeldByUser(grabs, deadline);
+    auto map = held ? KeyboardMap::read(grabs, deadline) : std::nullopt;
+    if (!map) {
+        overdue_.begin(Retries::endless);
+        return;
+    }
+    overdue_.end();
+    map_ = std::move(map);
     regrab();
-    reconcile();
+    reconcile(*held);
+    shared_->isWatched = 1;
+}
+
+void TapLoop::awaitServer() {
+    pollfd waiting{orders_.wakeUp.fileDescriptor(), POLLIN, 0};
+    if (poll(&waiting, 1, overdue_.pollTimeout()) != 0)
+        orders_.wakeUp.clear();
+    if (!overdue_.isDue())
+        return;
+    overdue_.next();
+    setUp();
 }
 
 void TapLoop::regrab() {
@@ -108,7 +158,40 @@ KeySet TapLoop::unseenByNextPress() const {
     return held_.unseen() | held_.twins() | repeatedModifiers_;
 }
 
+void TapLoop::tell(std::optional<TapTrouble> trouble) {
+    if (std::exchange(told_, trouble) == trouble)
+        return;
+    if (trouble && listener_.onSuspended)
+        listener_.onSuspended(*trouble);
+    if (!trouble && listener_.onResumed)
+        listener_.onResumed();
+}
+
+void TapLoop::lookAtRefusals() {
+    const bool isAny = grabs_->isAnyRefused();
+    const bool isNew = grabs_->isNewlyRefused();
+    connections_->watchOthers(isAny);
+    const bool isChanged = connections_->haveOthersChanged();
+    if (!isAny)
+        refusals_.end();
+    else if (isNew || isChanged)
+        refusals_.begin(isNew ? triesWhenRefused : triesWhenOthersChange);
+}
+
+void TapLoop::askAgain() {
+    if (overdue_.isDue()) {
+        overdue_.next();
+        readMap();
+    }
+    if (refusals_.isDue()) {
+        refusals_.next();
+        grabs_->askForRefused();
+    }
+}
+
 void TapLoop::wait() {
+    lookAtRefusals();
+    tell(grabs_->trouble());
     connections_->grabs().flush();
     connections_->raw().flush();
     std::array<pollfd, 4> waiting{{{connections_->grabs().fileDescriptor(), POLLIN, 0},
@@ -117,32 +200,59 @@ void TapLoop::wait() {
                                    {guard_.fileDescriptor(), POLLIN, 0}}};
     // What the user has let go of is up for everybody, though our device still holds it. To release that at
     // once could end the next press of it, while somebody types.
-    const bool isToUndo = outlivedRepetitions().any();
-    if (poll(waiting.data(), waiting.size(), isToUndo ? static_cast<int>(typingPause.count()) : -1) == 0)
+    const int undoTimeout = outlivedRepetitions().any() ? static_cast<int>(typingPause.count()) : never;
+    const int timeout = earliest({undoTimeout, overdue_.pollTimeout(), refusals_.pollTimeout()});
+    if (poll(waiting.data(), waiting.size(), timeout) == 0 && timeout == undoTimeout)
         undoOutlivedRepetitions();
     if (waiting[2].revents != 0)
         orders_.wakeUp.clear();
-    if (waiting[3].revents != 0 && !guard_.startAgain())
-        qCWarning(tapLog) << "the keyboard's guard does not stay; going on without it";
+    if (waiting[3].revents != 0)
+        lookAtGuard();
+    askAgain();
+}
+
+void TapLoop::lookAtGuard() {
+    if (!guard_.lives() && !guard_.startAgain())
+        log_.write([] { qCWarning(tapLog) << "the keyboard's guard does not stay; going on without it"; });
 }
 
 bool TapLoop::comeBack() {
-    auto fresh = TapConnections::open();
+    tell(TapTrouble::serverIsLate);
+    shared_->tapResource = 0;
+    const auto& raw = connections_->raw();
+    const auto hear = [&] {
+        process();
+        return !raw.isBroken();
+    };
+    auto fresh = TapConnector(orders_.wakeUp, [this] {
+                     return orders_.isWanted();
+                 }).connect(refusalsOfAServer, {raw.isBroken() ? -1 : raw.fileDescriptor(), hear});
     process(); // what was heard until there is somebody else to hear
-    if (connections_->raw().isBroken())
+    if (!fresh) {
+        if (fresh.error() != TapRefusal::unwanted)
+            log_.write([] { qCWarning(tapLog) << "the connection to the X server was lost"; });
+        return false;
+    }
+    log_.write([] { qCWarning(tapLog) << "the tap's connection was ended; it has a new one"; });
+    if (raw.isBroken())
         released_.reset();
+    begin(std::move(*fresh));
+    guard_.startIfNone();
+    return true;
+}
+
+void TapLoop::begin(std::unique_ptr<TapConnections> connections) {
     grabs_.reset();
-    connections_ = std::move(fresh);
+    connections_ = std::move(connections);
+    grabs_ = std::make_unique<TapGrabs>(*connections_, shared_, log_);
     grabbedKeys_.clear();
     heardKeys_.clear();
     reposted_.clear();
-    if (!connections_) {
-        qCWarning(tapLog) << "the connection to the X server was lost";
-        return false;
-    }
-    qCWarning(tapLog) << "the tap's connection was ended; it has a new one";
+    map_.reset();
+    isMapOld_ = false;
+    overdue_.end();
+    refusals_.end();
     setUp();
-    return true;
 }
 
 void TapLoop::process() {
@@ -179,9 +289,16 @@ void TapLoop::process() {
 
 void TapLoop::readMap() {
     isMapOld_ = false;
-    if (auto map = KeyboardMap::read(connections_->grabs(), Deadline(serverDeadline)))
-        map_ = std::move(map);
+    const bool hasDevices = connections_->readDevicesAgain();
+    auto map = KeyboardMap::read(connections_->grabs(), Deadline(serverDeadline));
+    if (!map || !hasDevices) {
+        overdue_.begin(Retries::endless);
+        return;
+    }
+    overdue_.end();
+    map_ = std::move(map);
     regrab();
+    refusals_.begin(triesWhenOthersChange); // who has the key may have let go of it with the old map
 }
 
 void TapLoop::readAll() { isMapOld_ = connections_->read(grabbedKeys_, heardKeys_) || isMapOld_; }
@@ -190,6 +307,7 @@ void TapLoop::read() {
     // Each change from the user's keys to ours and back is told as a change of the map: no key waits for
     // that.
     readAll();
+    grabs_->takeAnswers();
     // The end of a grab whose press was passed on or swallowed: nobody waits for it.
     while (!grabbedKeys_.empty() && !grabbedKeys_.front().isPress)
         grabbedKeys_.pop_front();
@@ -449,12 +567,9 @@ void TapLoop::tellRelease(xcb_keycode_t key) {
     (void)handler_({isModifierCode ? KeyEvent::flagsChanged : KeyEvent::keyUp, code, held_.flags()});
 }
 
-void TapLoop::reconcile() {
-    const auto held = keysHeldByUser(connections_->grabs(), Deadline(serverDeadline));
-    if (!held)
-        return;
+void TapLoop::reconcile(const KeySet& heldByUser) {
     // A device that we released a key on tells of it as up; whether the user let go of it was heard.
-    userDown_ = *held | (released_ & userDown_);
+    userDown_ = heldByUser | (released_ & userDown_);
     connections_->assumeUserDown(userDown_);
     bool isOutOfStep = false;
     const auto believed = held_.down();

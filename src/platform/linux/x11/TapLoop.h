@@ -13,7 +13,10 @@
 #pragma once
 
 #include "platform/EventTap.h"
+#include "platform/LogThread.h"
 #include "platform/linux/x11/HeldKeys.h"
+#include "platform/linux/x11/Retries.h"
+#include "platform/linux/x11/TapConnector.h"
 #include "platform/linux/x11/TapGrabs.h"
 #include "platform/linux/x11/Untangler.h"
 #include "platform/linux/x11/WakeUp.h"
@@ -32,17 +35,23 @@ struct TapOrders {
     std::string standIn = "rightControl";
     bool isStopping = false;
     WakeUp wakeUp;
+
+    [[nodiscard]] bool isWanted() {
+        const std::scoped_lock lock(mutex);
+        return !isStopping;
+    }
 };
 
 class TapLoop final {
 public:
     TapLoop(std::unique_ptr<TapConnections> connections, SharedKeyState& shared, TapOrders& orders,
-            EventTap::Handler handler, GuardProcess& guard);
+            EventTap::Handler handler, TapListener listener, GuardProcess& guard, LogThread& log);
     ~TapLoop();
     TapLoop(const TapLoop&) = delete;
     TapLoop& operator=(const TapLoop&) = delete;
 
-    /// From its end on no press of a tapped key is missed.
+    /// From its end on no press of a tapped key is missed, unless the server is late: then the tap is
+    /// suspended until it has answered.
     void prepare();
 
     /// After `prepare`. Until it is stopped: true. False when the server is gone for good. A connection that
@@ -52,12 +61,18 @@ public:
 private:
     [[nodiscard]] bool obey();
     void setUp();
+    void awaitServer();
     void regrab();
     void regrabAsNeeded();
+    void tell(std::optional<TapTrouble> trouble);
+    void lookAtRefusals();
+    void askAgain();
     /// Modifiers with which it may come that the shortcuts count as held and the server does not.
     [[nodiscard]] KeySet unseenByNextPress() const;
     void wait();
+    void lookAtGuard();
     [[nodiscard]] bool comeBack();
+    void begin(std::unique_ptr<TapConnections> connections);
 
     void process();
     void readAll();
@@ -90,17 +105,22 @@ private:
 
     [[nodiscard]] TapAnswer tellPress(xcb_keycode_t key, std::uint16_t code);
     void tellRelease(xcb_keycode_t key);
-    void reconcile();
+    void reconcile(const KeySet& heldByUser);
     [[nodiscard]] bool isModifier(xcb_keycode_t key) const;
 
     std::unique_ptr<TapConnections> connections_;
     SharedKeyState& shared_;
     TapOrders& orders_;
     EventTap::Handler handler_;
+    TapListener listener_;
     GuardProcess& guard_;
+    LogThread& log_;
     std::unique_ptr<TapGrabs> grabs_;
-    std::optional<KeyboardMap> map_;
-    bool isMapOld_ = false; ///< It changed, and is read when no key waits.
+    std::optional<KeyboardMap> map_; ///< Without it, as long as the server owes it, nothing is grabbed.
+    bool isMapOld_ = false;          ///< It changed, and is read when no key waits.
+    Retries overdue_;                ///< For the map that the server owes.
+    Retries refusals_;               ///< For keys that somebody else has.
+    std::optional<TapTrouble> told_ = TapTrouble::serverIsLate; ///< A tap begins suspended.
     TapKeys keys_{"rightControl"};
     std::vector<TappedKey> tappedKeys_;
 

@@ -4,44 +4,62 @@
 #include "platform/linux/x11/ThreadSetup.h"
 #include "platform/linux/x11/X11Session.h"
 
-#include <future>
-
 namespace velorin {
+
+namespace {
+constexpr std::chrono::seconds startPatience{1};
+}
 
 X11EventTap::X11EventTap(SharedKeyState& shared, std::string guard)
     : shared_(shared), guardProgram_(std::move(guard)) {}
 
 X11EventTap::~X11EventTap() { stop(); }
 
-tl::expected<void, EventTapError> X11EventTap::start(Handler handler, std::function<void()> onLost) {
+tl::expected<void, EventTapError> X11EventTap::start(Handler handler, TapListener listener) {
     if (isWaylandSession())
         return tl::unexpected(EventTapError::unsupportedSession);
-    auto connections = TapConnections::open();
-    if (!connections)
-        return tl::unexpected(EventTapError::notPermitted);
     stop();
     orders_.isStopping = false;
-    std::promise<void> preparing;
-    const auto isPrepared = preparing.get_future();
-    thread_ = std::thread([this, preparing = std::move(preparing), connections = std::move(connections),
-                           handler = std::move(handler), onLost = std::move(onLost)]() mutable {
-        setUpThread("velorin-tap");
-        bool isLost = false;
-        {
-            GuardProcess guard(guardProgram_, shared_, orders_.wakeUp);
-            if (!guard.start())
-                qCWarning(tapLog) << "the keyboard's guard could not be started";
-            TapLoop loop(std::move(connections), shared_, orders_, std::move(handler), guard);
-            loop.prepare();
-            preparing.set_value();
-            isLost = !loop.run();
-        }
-        if (isLost && onLost)
-            onLost();
-    });
+    isStartAwaited_ = true;
+    Started promise;
+    auto started = promise.get_future();
+    thread_ = std::thread(
+        [this, promise = std::move(promise), handler = std::move(handler),
+         listener = std::move(listener)]() mutable { run(std::move(handler), listener, promise); });
     // Whoever is told that the tap runs may press at once. A server that is slow to answer is not waited for.
-    (void)isPrepared.wait_for(serverDeadline);
-    return {};
+    if (started.wait_for(startPatience) != std::future_status::ready && isStartAwaited_.exchange(false))
+        return {};
+    auto result = started.get();
+    if (!result)
+        thread_.join();
+    return result;
+}
+
+void X11EventTap::run(Handler handler, const TapListener& listener, Started& started) {
+    setUpThread("velorin-tap");
+    if (listener.onSuspended)
+        listener.onSuspended(TapTrouble::serverIsLate); // until it is seen not to be
+    if (serve(std::move(handler), listener, started))
+        return;
+    if (isStartAwaited_.exchange(false))
+        started.set_value(tl::unexpected(EventTapError::notPermitted));
+    else if (listener.onLost)
+        listener.onLost();
+}
+
+bool X11EventTap::serve(Handler handler, const TapListener& listener, Started& started) {
+    auto connections = TapConnector(orders_.wakeUp, [this] { return orders_.isWanted(); }).connect(1, {});
+    if (!connections)
+        return connections.error() == TapRefusal::unwanted;
+    LogThread log;
+    GuardProcess guard(guardProgram_, shared_, orders_.wakeUp);
+    if (!guard.start() || !guard.awaitReady())
+        log.write([] { qCWarning(tapLog) << "the keyboard's guard could not be started"; });
+    TapLoop loop(std::move(*connections), shared_, orders_, std::move(handler), listener, guard, log);
+    loop.prepare();
+    if (isStartAwaited_.exchange(false))
+        started.set_value({});
+    return loop.run();
 }
 
 void X11EventTap::stop() {

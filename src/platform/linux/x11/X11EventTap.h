@@ -8,6 +8,8 @@
 #include "platform/linux/x11/SharedKeyState.h"
 #include "platform/linux/x11/TapLoop.h"
 
+#include <atomic>
+#include <future>
 #include <thread>
 
 namespace velorin {
@@ -19,8 +21,7 @@ public:
     explicit X11EventTap(SharedKeyState& shared, std::string guard = guardProgram());
     ~X11EventTap() override;
 
-    [[nodiscard]] tl::expected<void, EventTapError> start(Handler handler,
-                                                          std::function<void()> onLost) override;
+    [[nodiscard]] tl::expected<void, EventTapError> start(Handler handler, TapListener listener) override;
     void stop() override;
     void setTappedKeys(std::vector<TappedKey> keys) override;
 
@@ -29,9 +30,16 @@ public:
     void setFnStandIn(const QString& name);
 
 private:
+    using Started = std::promise<tl::expected<void, EventTapError>>;
+
+    void run(Handler handler, const TapListener& listener, Started& started);
+    /// False when the server is gone.
+    [[nodiscard]] bool serve(Handler handler, const TapListener& listener, Started& started);
+
     SharedKeyState& shared_;
     TapOrders orders_;
     std::string guardProgram_;
+    std::atomic<bool> isStartAwaited_ = false; ///< Whoever sets it back decides what becomes of the start.
     std::thread thread_;
 };
 

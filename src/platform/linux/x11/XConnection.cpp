@@ -43,10 +43,11 @@ std::unique_ptr<XConnection> XConnection::open() {
         new XConnection(connection.release(), *screen)); // private constructor
 }
 
-const xcb_query_extension_reply_t* XConnection::extension(xcb_extension_t& id) const {
+const xcb_query_extension_reply_t* XConnection::extension(xcb_extension_t& id,
+                                                          std::chrono::milliseconds patience) const {
     // The question would be waited for without a deadline; behind a sync the answer is there already.
     xcb_prefetch_extension_data(get(), &id);
-    if (!sync(Deadline(serverDeadline)))
+    if (!sync(Deadline(patience)))
         return nullptr;
     const auto* data = xcb_get_extension_data(get(), &id);
     return data && data->present ? data : nullptr;
@@ -100,15 +101,19 @@ void XConnection::dropEvents() const {
     }
 }
 
+bool XConnection::hasAnswer(unsigned sequence, void*& answer) const {
+    xcb_generic_error_t* error = nullptr;
+    const bool isThere = xcb_poll_for_reply(get(), sequence, &answer, &error) != 0;
+    const XcbPtr<xcb_generic_error_t> owned(error);
+    return isThere;
+}
+
 void* XConnection::awaitReply(unsigned sequence, Deadline deadline) const {
     flush();
     for (;;) {
         void* answer = nullptr;
-        xcb_generic_error_t* error = nullptr;
-        if (xcb_poll_for_reply(get(), sequence, &answer, &error) != 0) {
-            const XcbPtr<xcb_generic_error_t> owned(error);
+        if (hasAnswer(sequence, answer))
             return answer;
-        }
         pollfd waiting{fileDescriptor(), POLLIN, 0};
         if (isBroken() || poll(&waiting, 1, deadline.pollTimeout()) == 0) {
             xcb_discard_reply(get(), sequence);

@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -40,7 +41,8 @@ public:
     void flush() const { xcb_flush(get()); }
 
     /// The numbers of an extension; null when the server lacks it or does not answer.
-    [[nodiscard]] const xcb_query_extension_reply_t* extension(xcb_extension_t& id) const;
+    [[nodiscard]] const xcb_query_extension_reply_t*
+    extension(xcb_extension_t& id, std::chrono::milliseconds patience = serverDeadline) const;
 
     /// Interned once and remembered; XCB_ATOM_NONE when the server does not answer.
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
@@ -52,6 +54,15 @@ public:
     template <typename Reply, typename Cookie>
     [[nodiscard]] XcbPtr<Reply> reply(Cookie cookie, Deadline deadline) const {
         return XcbPtr<Reply>(static_cast<Reply*>(awaitReply(cookie.sequence, deadline)));
+    }
+
+    /// What has come of it by now: nothing while it is still to come, null for an error.
+    template <typename Reply, typename Cookie>
+    [[nodiscard]] std::optional<XcbPtr<Reply>> replyByNow(Cookie cookie) const {
+        void* answer = nullptr;
+        if (!hasAnswer(cookie.sequence, answer))
+            return std::nullopt;
+        return XcbPtr<Reply>(static_cast<Reply*>(answer));
     }
 
     /// Waits until the server has done all that was asked before. False when it does not answer.
@@ -74,6 +85,7 @@ private:
     XConnection(xcb_connection_t* connection, const xcb_screen_t& screen)
         : connection_(connection), root_(screen.root), rootVisual_(screen.root_visual) {}
     [[nodiscard]] void* awaitReply(unsigned sequence, Deadline deadline) const;
+    [[nodiscard]] bool hasAnswer(unsigned sequence, void*& answer) const;
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     xcb_window_t root_;

@@ -5,9 +5,12 @@
 
 #include "platform/linux/x11/KeyboardMap.h"
 
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -81,6 +84,31 @@ TEST_F(GuardTest, EndsAHoldWhoseReleaseCameWhileTheProgramWasStopped) {
     subject.goOn();
     EXPECT_TRUE(subject.lineWith("edge holdDeactivated"));
     EXPECT_TRUE(down().none());
+}
+
+TEST_F(GuardTest, IsNotNeededWhereNobodyReadsTheLog) {
+    // A pipe that is full from the beginning: whoever writes a line into it waits for ever.
+    std::array<int, 2> log{};
+    ASSERT_EQ(pipe2(log.data(), O_CLOEXEC | O_NONBLOCK), 0);
+    const std::array<char, 4096> bytes{};
+    while (write(log[1], bytes.data(), bytes.size()) > 0) {
+    }
+    ASSERT_EQ(fcntl(log[1], F_SETFL, 0), 0);
+    subject.kill();
+    setenv("QT_LOGGING_RULES", "dev.orrin.velorin.tap.debug=true", 1);
+    TapSubject logging(VELORIN_TAP_SUBJECT, {}, log[1]);
+    unsetenv("QT_LOGGING_RULES");
+    for (int i = 0; i < 20; ++i) {
+        user.press(rightControl);
+        EXPECT_TRUE(logging.lineWith("edge holdActivated", 2000));
+        user.release(rightControl);
+        EXPECT_TRUE(logging.lineWith("edge holdDeactivated", 2000));
+    }
+    user.tap(letterA);
+    EXPECT_EQ(toString(window.keysThrough(letterA)), "38+ 38-")
+        << "what the guard gives back comes to the window";
+    close(log[0]);
+    close(log[1]);
 }
 
 TEST_F(GuardTest, LeavesATapAloneThatAnswers) {

@@ -29,7 +29,7 @@ protected:
 
     void expectThatTheServerIsRefused() {
         X11EventTap tap(state, {});
-        EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+        EXPECT_EQ(tap.start(handled.handler(), {}).error(), EventTapError::notPermitted);
         EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
     }
 
@@ -57,8 +57,10 @@ TEST_F(TapFailureTest, NeedsItInVersionTwoPointTwo) {
 
 TEST_F(TapFailureTest, NamesAKeyThatAnotherProgramHasAndServesTheOthers) {
     const auto other = TapConnections::open();
+    ASSERT_TRUE(other.has_value());
     SharedKeyState othersState;
-    TapGrabs others(*other, othersState);
+    LogThread othersLog;
+    TapGrabs others(**other, othersState, othersLog);
     others.apply({{f5, {XCB_MOD_MASK_4}}}, TapKeys("rightControl"));
     PhysicalKeyboard user;
     TestWindow window;
@@ -66,7 +68,7 @@ TEST_F(TapFailureTest, NamesAKeyThatAnotherProgramHasAndServesTheOthers) {
     X11EventTap tap(state, {});
     const LogCapture log;
     tap.setTappedKeys({{codeOfF5, {0x100000}}, {codeOfF6, {0}}});
-    ASSERT_TRUE(tap.start(handled.handler(), nullptr));
+    ASSERT_TRUE(tap.start(handled.handler(), {}));
     awaitGrab(f6);
     user.tap(f6);
     EXPECT_EQ(handled.text(2), "d97 u97");
@@ -83,7 +85,7 @@ TEST_F(TapFailureTest, WorksWithoutAGuardThatEndsAtOnce) {
     X11EventTap tap(state, "/bin/false");
     const LogCapture log;
     tap.setTappedKeys({{codeOfF6, {0}}});
-    ASSERT_TRUE(tap.start(handled.handler(), nullptr));
+    ASSERT_TRUE(tap.start(handled.handler(), {}));
     awaitGrab(f6);
     user.tap(f6);
     EXPECT_EQ(handled.text(2), "d97 u97");
@@ -98,7 +100,7 @@ TEST(X11EventTap, NeedsAServer) {
     SharedKeyState state;
     X11EventTap tap(state, {});
     Handled handled;
-    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_EQ(tap.start(handled.handler(), {}).error(), EventTapError::notPermitted);
     EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
 }
 
@@ -107,7 +109,7 @@ TEST(X11EventTap, NeedsTheExtensions) {
     SharedKeyState state;
     X11EventTap tap(state, {});
     Handled handled;
-    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::notPermitted);
+    EXPECT_EQ(tap.start(handled.handler(), {}).error(), EventTapError::notPermitted);
     EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
 }
 
@@ -118,11 +120,11 @@ TEST(X11EventTap, DoesNotServeAWaylandSession) {
     Handled handled;
     EXPECT_TRUE(X11Session().letsUsWatchAndPostKeys());
     setenv("XDG_SESSION_TYPE", "wayland", 1);
-    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    EXPECT_EQ(tap.start(handled.handler(), {}).error(), EventTapError::unsupportedSession);
     EXPECT_FALSE(X11Session().letsUsWatchAndPostKeys());
     unsetenv("XDG_SESSION_TYPE");
     setenv("WAYLAND_DISPLAY", "wayland-0", 1);
-    EXPECT_EQ(tap.start(handled.handler(), nullptr).error(), EventTapError::unsupportedSession);
+    EXPECT_EQ(tap.start(handled.handler(), {}).error(), EventTapError::unsupportedSession);
     unsetenv("WAYLAND_DISPLAY");
 }
 

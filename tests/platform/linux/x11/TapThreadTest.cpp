@@ -38,7 +38,7 @@ TEST(TapThread, TakesOrdersWhileKeysArePressed) {
     });
     XTestSyntheticKeyboard keyboard(state);
     for (int round = 0; round == 0 || isTyping; ++round) {
-        ASSERT_TRUE(tap.start(handled.handler(), [] {}));
+        ASSERT_TRUE(tap.start(handled.handler(), {}));
         for (int i = 0; i < 10; ++i) {
             tap.setTappedKeys({{63, {0, 0x20000}}, {static_cast<quint16>(96 + i % 3), {0}}});
             EXPECT_TRUE(keyboard.chord(Chord::paste, std::nullopt));

@@ -13,8 +13,8 @@
 namespace velorin {
 
 Guard::Guard(XConnection& connection, SharedKeyState& shared, std::int64_t program, int life, int tapWakeUp)
-    : connection_(connection), processes_(connection), shared_(shared), program_(program), life_(life),
-      tapWakeUp_(tapWakeUp) {}
+    : connection_(connection), processes_(connection, startPatience), shared_(shared), program_(program),
+      life_(life), tapWakeUp_(tapWakeUp) {}
 
 bool Guard::run() {
     if (!listen())
@@ -56,11 +56,11 @@ void Guard::awaitLeave() {
 }
 
 bool Guard::listen() {
-    const auto* input = connection_.extension(xcb_input_id);
-    if (!input || !connection_.extension(xcb_test_id))
+    const auto* input = connection_.extension(xcb_input_id, startPatience);
+    if (!input || !connection_.extension(xcb_test_id, startPatience))
         return false;
     inputOpcode_ = input->major_opcode;
-    const Deadline deadline(serverDeadline);
+    const Deadline deadline(startPatience);
     auto* c = connection_.get();
     const auto version =
         connection_.reply<xcb_input_xi_query_version_reply_t>(xcb_input_xi_query_version(c, 2, 2), deadline);
@@ -101,7 +101,10 @@ bool Guard::isAnswered() const { return shared_->answered == shared_->asked; }
 void Guard::judge() {
     judgeAt_.reset();
     // A tap that waits for a server that is slow is no more to blame than we are.
-    (void)connection_.sync(Deadline(serverDeadline));
+    if (!connection_.sync(Deadline(serverDeadline))) {
+        judgeAt_ = Deadline(patience);
+        return;
+    }
     if (isAnswered())
         return;
     endTap();

@@ -23,6 +23,8 @@ public:
     static constexpr std::chrono::milliseconds questionDelay{100};
     /// How long it waits for the sign of life.
     static constexpr std::chrono::milliseconds patience{400};
+    /// How long the server may take to answer before the guard listens: at login all programs start at once.
+    static constexpr std::chrono::seconds startPatience{10};
     /// How long the server may take to notice that the program is gone.
     static constexpr std::chrono::milliseconds leavePatience{500};
 

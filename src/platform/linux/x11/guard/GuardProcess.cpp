@@ -104,15 +104,29 @@ bool GuardProcess::start() {
     close(ends[1]);
     life_ = ends[0];
     startedAt_ = std::chrono::steady_clock::now();
-    if (process_ == 0 || !awaitReady())
+    if (process_ == 0)
         reap();
     return process_ != 0;
 }
 
-bool GuardProcess::awaitReady() const {
+bool GuardProcess::awaitReady() {
     pollfd waiting{life_, POLLIN, 0};
-    char ready = 0;
-    return poll(&waiting, 1, startDeadline) == 1 && read(life_, &ready, sizeof ready) == 1;
+    if (poll(&waiting, 1, startDeadline) == 1 && !lives())
+        reap();
+    return process_ != 0;
+}
+
+bool GuardProcess::lives() const {
+    char ready = 0; // it is told once; after that there is the end alone
+    const auto count = recv(life_, &ready, sizeof ready, MSG_DONTWAIT);
+    return count > 0 || (count < 0 && (errno == EAGAIN || errno == EINTR));
+}
+
+void GuardProcess::startIfNone() {
+    if (process_ != 0)
+        return;
+    quickEnds_ = 0;
+    start();
 }
 
 bool GuardProcess::startAgain() {

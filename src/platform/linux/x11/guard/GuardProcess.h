@@ -24,16 +24,21 @@ public:
     GuardProcess(const GuardProcess&) = delete;
     GuardProcess& operator=(const GuardProcess&) = delete;
 
-    /// Returns when it listens, within a deadline. False when it could not be started.
+    /// False when it could not be started. It listens some time later.
     bool start();
-    /// Readable when the guard is gone; -1 without one.
+    /// Returns when it listens, or is late to. False when it is gone.
+    [[nodiscard]] bool awaitReady();
+    /// Readable when there may be something to look at; -1 without one.
     [[nodiscard]] int fileDescriptor() const { return life_; }
-    /// To be called then. A guard that keeps ending at once is given up, with a false.
+    /// To be asked then.
+    [[nodiscard]] bool lives() const;
+    /// For one that is gone. A guard that keeps ending at once is given up, with a false.
     bool startAgain();
+    /// Gives one that was given up, or could not be started, another chance.
+    void startIfNone();
     [[nodiscard]] pid_t id() const { return process_; }
 
 private:
-    [[nodiscard]] bool awaitReady() const;
     void reap();
 
     std::string program_;

@@ -3,6 +3,7 @@
 //
 // Writes a line for each thing that happens: "ready PROCESS", "edge NAME NANOSECONDS", "pasted", "lost".
 // Reads the commands "paste" and "quit"; an end of its input ends it as well.
+#include "platform/linux/desktop/SystemClock.h"
 #include "platform/linux/x11/X11EventTap.h"
 #include "platform/linux/x11/XTestSyntheticKeyboard.h"
 #include "shortcuts/ShortcutBackend.h"
@@ -33,7 +34,8 @@ int main(int argc, char* argv[]) {
     SharedKeyState keys;
     X11EventTap tap(keys);
     XTestSyntheticKeyboard keyboard(keys);
-    ShortcutBackend backend(tap);
+    SystemClock clock;
+    ShortcutBackend backend(tap, clock);
     if (argc > 1)
         backend.setConfiguration(ShortcutConfiguration::fromJson(QByteArray(argv[1])).value());
     backend.onEvent = [](ShortcutEvent event) {

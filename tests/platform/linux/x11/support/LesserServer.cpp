@@ -2,38 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <cstring>
 #include <poll.h>
-#include <stdexcept>
 #include <string_view>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace velorin {
 
 namespace {
-
-constexpr std::string_view sockets = "/tmp/.X11-unix/X";
-
-sockaddr_un addressOf(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    return address;
-}
-
-int newSocket() { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0); }
-
-int connectTo(const std::string& path) {
-    const int descriptor = newSocket();
-    const auto address = addressOf(path);
-    if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        throw std::runtime_error("the server behind is gone");
-    return descriptor;
-}
 
 void replaceAll(char* bytes, std::size_t count, std::string_view what, std::string_view with) {
     auto* const end = bytes + count;
@@ -44,17 +21,7 @@ void replaceAll(char* bytes, std::size_t count, std::string_view what, std::stri
 } // namespace
 
 LesserServer::LesserServer(const PrivateServer& server, Lack lack)
-    : behind_(std::string(sockets) + server.display().substr(1)), lack_(lack), listener_(newSocket()),
-      end_(eventfd(0, EFD_CLOEXEC)) {
-    // Its number is far above those that servers take for themselves.
-    const auto number = std::to_string(100'000 + getpid());
-    path_ = std::string(sockets) + number;
-    unlink(path_.c_str());
-    const auto address = addressOf(path_);
-    if (bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        listen(listener_, 8) != 0)
-        throw std::runtime_error("no socket for a display");
-    setenv("DISPLAY", (":" + number).c_str(), 1);
+    : behind_(server.display()), lack_(lack), end_(eventfd(0, EFD_CLOEXEC)) {
     thread_ = std::thread([this] { serve(); });
 }
 
@@ -62,14 +29,12 @@ LesserServer::~LesserServer() {
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto written = write(end_, &one, sizeof one);
     thread_.join();
-    close(listener_);
     close(end_);
-    unlink(path_.c_str());
 }
 
 void LesserServer::serve() {
     // Descriptors in pairs from the third on: the program's end and the server's.
-    std::vector<pollfd> waiting{{listener_, POLLIN, 0}, {end_, POLLIN, 0}};
+    std::vector<pollfd> waiting{{socket_.fileDescriptor(), POLLIN, 0}, {end_, POLLIN, 0}};
     std::array<char, 65536> bytes{};
     while (poll(waiting.data(), waiting.size(), -1) >= 0 && waiting[1].revents == 0) {
         for (std::size_t i = 2; i < waiting.size(); ++i) {
@@ -87,8 +52,8 @@ void LesserServer::serve() {
             }
         }
         if (waiting[0].revents != 0) {
-            waiting.push_back({accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC), POLLIN, 0});
-            waiting.push_back({connectTo(behind_), POLLIN, 0});
+            waiting.push_back({socket_.accept(), POLLIN, 0});
+            waiting.push_back({connectToDisplay(behind_), POLLIN, 0});
         }
     }
     for (std::size_t i = 2; i < waiting.size(); ++i)

@@ -5,6 +5,7 @@
 ///     LesserServer lesser(server, LesserServer::Lack::input);   // XInput is not there
 #pragma once
 
+#include "tests/platform/linux/x11/support/DisplaySockets.h"
 #include "tests/platform/linux/x11/support/PrivateServer.h"
 
 #include <thread>
@@ -29,8 +30,7 @@ private:
 
     std::string behind_;
     Lack lack_;
-    std::string path_;
-    int listener_;
+    DisplaySocket socket_;
     int end_;
     std::thread thread_;
 };

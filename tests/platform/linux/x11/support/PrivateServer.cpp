@@ -69,6 +69,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, ChildStreams
             dup2(streams.input, STDIN_FILENO);
         if (streams.output >= 0)
             dup2(streams.output, STDOUT_FILENO);
+        if (streams.error >= 0)
+            dup2(streams.error, STDERR_FILENO);
         for (int descriptor = 3; descriptor < 256; ++descriptor)
             close(descriptor);
         execvp(arguments[0], arguments.data());
@@ -115,7 +117,7 @@ PrivateServer::PrivateServer(const std::vector<std::string>& options) {
                                      "-noreset", "-nolisten",  "tcp",
                                      "-screen",  "0",          "800x600x24"};
     command.insert(command.end(), options.begin(), options.end());
-    server_ = std::make_unique<ChildProcess>(command, ChildStreams{-1, ends[1]});
+    server_ = std::make_unique<ChildProcess>(command, ChildStreams{.output = ends[1]});
     close(ends[1]);
     display_ = ":" + readLine(ends[0], startDeadline);
     close(ends[0]);

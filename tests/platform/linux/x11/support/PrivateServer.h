@@ -18,6 +18,7 @@ namespace velorin {
 struct ChildStreams {
     int input = -1;
     int output = -1;
+    int error = -1;
 };
 
 /// A process that ends with its owner.

@@ -48,7 +48,8 @@ protected:
 
     void start(std::vector<TappedKey> keys) {
         tap.setTappedKeys(std::move(keys));
-        ASSERT_TRUE(tap.start(handled.handler(), [this] { isLost = true; }));
+        ASSERT_TRUE(tap.start(handled.handler(),
+                              {.onLost = [this] { isLost = true; }, .onResumed = [this] { ++resumes; }}));
         awaitGrabs();
     }
 
@@ -66,12 +67,21 @@ protected:
         window.connection().sync(deadline);
     }
 
+    /// It has come so far for so many times, the start included.
+    void awaitResumes(int count) {
+        const Deadline deadline(std::chrono::seconds(5));
+        while (resumes < count && !deadline.hasPassed())
+            std::this_thread::yield();
+        ASSERT_GE(resumes, count);
+    }
+
     KeySet down() { return keysDown(user.connection(), Deadline(std::chrono::seconds(5))).value(); }
 
     PrivateServer server;
     SharedKeyState state;
     Handled handled;
     std::atomic<bool> isLost = false;
+    std::atomic<int> resumes = 0;
     X11EventTap tap{state, {}};
     PhysicalKeyboard user;
     TestWindow window;

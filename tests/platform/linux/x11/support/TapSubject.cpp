@@ -11,7 +11,7 @@
 
 namespace velorin {
 
-TapSubject::TapSubject(const std::string& program, const std::string& configuration) {
+TapSubject::TapSubject(const std::string& program, const std::string& configuration, int log) {
     std::array<int, 2> in{};
     std::array<int, 2> out{};
     if (pipe(in.data()) != 0 || pipe(out.data()) != 0)
@@ -19,7 +19,7 @@ TapSubject::TapSubject(const std::string& program, const std::string& configurat
     std::vector<std::string> command{program};
     if (!configuration.empty())
         command.push_back(configuration);
-    process_ = std::make_unique<ChildProcess>(command, ChildStreams{in[0], out[1]});
+    process_ = std::make_unique<ChildProcess>(command, ChildStreams{in[0], out[1], log});
     close(in[0]);
     close(out[1]);
     input_ = in[1];

@@ -10,8 +10,9 @@ namespace velorin {
 
 class TapSubject final {
 public:
-    /// Returns when its tap runs. `configuration`: the stored form, empty for the default one.
-    explicit TapSubject(const std::string& program, const std::string& configuration = {});
+    /// Returns when its tap runs. `configuration`: the stored form, empty for the default one. `log`: where
+    /// its log goes; ours when negative.
+    explicit TapSubject(const std::string& program, const std::string& configuration = {}, int log = -1);
     ~TapSubject();
     TapSubject(const TapSubject&) = delete;
     TapSubject& operator=(const TapSubject&) = delete;
