@@ -1,13 +1,12 @@
-// tap-proof [--wm NAME] [--presses N] [--rate N] [--kills N] [--stops N] [--rounds N] [--samples N] [--idle
-// SECONDS]
-//           [--seed N] --subject PROGRAM [PART…]: what the tap promises, measured with real programs in
-//           front.
+// tap-proof [--wm NAME] [--presses N] [--rate N] [--kills N] [--stops N] [--long-stops N] [--longest SECONDS]
+//           [--late SECONDS] [--rounds N] [--samples N] [--idle SECONDS] [--seed N] --subject PROGRAM
+//           [PART…]: what the tap promises, measured with real programs in front.
 //
 // --configuration N tries random keys with one set of shortcuts only. --replay KEYS types with it the keys
 // that a run printed, and finds the shortest list that still differs.
 //
 // Prints a row a measurement and fails when one is beyond its limit. The parts: keys, delays, neighbours,
-// kills, stops, disturbances, idle.
+// kills, stops, late, disturbances, idle.
 #include "Stage.h"
 
 #include <algorithm>
@@ -19,20 +18,24 @@ namespace {
 
 using namespace velorin::tap;
 
-const std::vector<std::pair<std::string, void (*)(Stage&)>> parts{
-    {"idle", measureIdle},      {"delays", measureDelays}, {"neighbours", measureNeighbours},
-    {"kills", measureKills},    {"stops", measureStops},   {"disturbances", measureDisturbances},
-    {"keys", measureRandomKeys}};
+const std::vector<std::pair<std::string, void (*)(Stage&)>> parts{{"idle", measureIdle},
+                                                                  {"delays", measureDelays},
+                                                                  {"neighbours", measureNeighbours},
+                                                                  {"kills", measureKills},
+                                                                  {"stops", measureStops},
+                                                                  {"stops", measureLongStops},
+                                                                  {"late", measureLateServer},
+                                                                  {"disturbances", measureDisturbances},
+                                                                  {"keys", measureRandomKeys}};
 
 Options optionsOf(int count, char** arguments, std::vector<std::string>& chosen) {
     Options options;
-    const std::map<std::string, int*> numbers{{"--rate", &options.rate},
-                                              {"--kills", &options.kills},
-                                              {"--stops", &options.stops},
-                                              {"--rounds", &options.rounds},
-                                              {"--samples", &options.samples},
-                                              {"--idle", &options.idleSeconds},
-                                              {"--configuration", &options.configuration}};
+    const std::map<std::string, int*> numbers{
+        {"--rate", &options.rate},           {"--kills", &options.kills},
+        {"--stops", &options.stops},         {"--long-stops", &options.longStops},
+        {"--longest", &options.longestStop}, {"--late", &options.lateSeconds},
+        {"--rounds", &options.rounds},       {"--samples", &options.samples},
+        {"--idle", &options.idleSeconds},    {"--configuration", &options.configuration}};
     for (int i = 1; i < count; ++i) {
         const std::string word = arguments[i];
         if (!word.starts_with("--")) {

@@ -41,7 +41,10 @@ struct Options {
     int rate = 200; ///< Presses and releases a second.
     int kills = 500;
     int stops = 100;
-    int rounds = 50; ///< Of each disturbance.
+    int longStops = 60;
+    int longestStop = 120; ///< Seconds.
+    int lateSeconds = 60;  ///< For which the server is late.
+    int rounds = 50;       ///< Of each disturbance.
     int samples = 5'000;
     int idleSeconds = 60;
     unsigned seed = 1;
@@ -97,6 +100,8 @@ void measureDelays(Stage& stage);
 void measureNeighbours(Stage& stage);
 void measureKills(Stage& stage);
 void measureStops(Stage& stage);
+void measureLongStops(Stage& stage);
+void measureLateServer(Stage& stage);
 void measureDisturbances(Stage& stage);
 void measureIdle(Stage& stage);
 

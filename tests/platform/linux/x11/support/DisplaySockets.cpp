@@ -32,12 +32,15 @@ DisplaySocket::DisplaySocket() : listener_(newSocket()) {
     if (bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         listen(listener_, 8) != 0)
         throw std::runtime_error("no socket for a display");
+    if (const char* previous = std::getenv("DISPLAY"))
+        previous_ = previous;
     setenv("DISPLAY", (":" + number).c_str(), 1);
 }
 
 DisplaySocket::~DisplaySocket() {
     close(listener_);
     unlink(path_.c_str());
+    setenv("DISPLAY", previous_.c_str(), 1);
 }
 
 int DisplaySocket::accept() const { return accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC); }

@@ -6,7 +6,7 @@
 
 namespace velorin {
 
-/// Where programs look for it, as long as this lives; `DISPLAY` points to it from now on.
+/// Where programs look for it; `DISPLAY` points to it as long as this lives.
 class DisplaySocket final {
 public:
     DisplaySocket();
@@ -19,6 +19,7 @@ public:
     [[nodiscard]] int accept() const;
 
 private:
+    std::string previous_;
     std::string path_;
     int listener_;
 };
