@@ -96,6 +96,28 @@ TEST_P(LateServerTest, WorksTwoSecondsAfterAServerThatWasLateFromTheBeginning) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, LateServerTest, testing::Range(1U, 9U));
 
+TEST_F(TapComesBackTest, EndsAHoldAndWorksAgainWhenItsConnectionWasEndedAndTheServerIsLate) {
+    LateServer late(server, {.longest = 600ms, .seed = 3});
+    late.recover();
+    tap.setTappedKeys({fnAnyhow()});
+    ASSERT_TRUE(tap.start(handled.handler(), listener()));
+    EXPECT_TRUE(awaits([&] { return isWorking.load(); }));
+    user.press(rightControl);
+    EXPECT_EQ(handled.text(1), "f63/800000");
+    late.relapse();
+    xcb_kill_client(user.connection().get(), state->tapResource);
+    user.sync();
+    EXPECT_TRUE(awaits([&] { return !isWorking; }));
+    user.release(rightControl);
+    user.sync();
+    EXPECT_EQ(handled.text(2), "f63/800000 f63/0") << "it is heard until there is somebody else to hear";
+    late.recover();
+    expectThatItWorks(rightControl, "f63/800000 f63/0");
+    EXPECT_TRUE(awaits([&] { return isWorking.load(); }));
+    EXPECT_FALSE(isLost);
+    tap.stop();
+}
+
 TEST_F(TapComesBackTest, MayBeStoppedWhileTheServerDoesNotAnswerAtAll) {
     const LateServer stuck(server, {.isStuck = true});
     ASSERT_TRUE(tap.start(handled.handler(), listener()));

@@ -32,6 +32,8 @@ public:
     LateServer& operator=(const LateServer&) = delete;
 
     void recover();
+    /// It is late again.
+    void relapse() { isWell_ = false; }
     /// How many programs' connections there are.
     [[nodiscard]] int connections() const { return connections_; }
 
