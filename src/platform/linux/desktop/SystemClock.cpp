@@ -9,10 +9,14 @@ namespace velorin {
 QDateTime SystemClock::now() const { return QDateTime::currentDateTime(); }
 
 Subscription SystemClock::after(std::chrono::milliseconds delay, std::function<void()> action) {
-    // The action is called for as long as the context lives, and may itself be what ends it.
-    auto context = std::make_shared<QObject>();
-    QTimer::singleShot(delay, context.get(), std::move(action));
-    return Subscription([context]() mutable { context.reset(); });
+    // The action is called for as long as the timer lives, and may itself be what ends it. A wait that was
+    // given up wakes nobody.
+    auto timer = std::make_shared<QTimer>();
+    timer->setSingleShot(true);
+    timer->setTimerType(delay < std::chrono::seconds(2) ? Qt::PreciseTimer : Qt::CoarseTimer);
+    timer->callOnTimeout(timer.get(), std::move(action));
+    timer->start(delay);
+    return Subscription([timer]() mutable { timer.reset(); });
 }
 
 } // namespace velorin
