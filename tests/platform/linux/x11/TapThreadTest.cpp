@@ -51,5 +51,30 @@ TEST(TapThread, TakesOrdersWhileKeysArePressed) {
     EXPECT_TRUE(keysDown(user.connection(), Deadline(5s))->none());
 }
 
+TEST(TapThread, IsStoppedWhileItComesBack) {
+    PrivateServer server;
+    SharedKeyState state;
+    Handled handled;
+    PhysicalKeyboard user;
+    X11EventTap tap(state, {});
+    tap.setTappedKeys({{63, {0}}});
+    std::atomic<int> calls = 0;
+    const TapListener listener{.onLost = [&] { ++calls; },
+                               .onSuspended = [&](TapTrouble) { ++calls; },
+                               .onResumed = [&] { ++calls; }};
+    for (int round = 0; round < 30; ++round) {
+        ASSERT_TRUE(tap.start(handled.handler(), listener));
+        xcb_kill_client(user.connection().get(), state->tapResource);
+        user.press(rightControl);
+        user.release(rightControl);
+        user.sync();
+        if (round % 3 == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(round));
+        tap.stop();
+    }
+    EXPECT_GE(calls, 60) << "each start is told of";
+    EXPECT_TRUE(keysDown(user.connection(), Deadline(5s))->none());
+}
+
 } // namespace
 } // namespace velorin
