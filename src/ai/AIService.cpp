@@ -8,6 +8,7 @@
 #include "text/Graphemes.h"
 #include "text/WhiteSpace.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
