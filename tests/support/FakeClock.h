@@ -10,7 +10,7 @@ namespace velorin {
 
 class FakeClock final : public Clock {
 public:
-    QDateTime time = QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, Qt::UTC);
+    QDateTime time = QDateTime::fromMSecsSinceEpoch(1'700'000'000'000).toUTC();
 
     [[nodiscard]] QDateTime now() const override { return time; }
 

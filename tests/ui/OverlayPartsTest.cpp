@@ -14,7 +14,7 @@ namespace {
 TEST(OverlayLabels, CountMinutesWithoutBound) { EXPECT_EQ(OverlayLabels::elapsed(3725), u"62:05"_s); }
 
 TEST(OverlayLabels, ShowNoTimeBeforeARecordingAndWhenTheClockWasSetBack) {
-    const auto now = QDateTime::fromMSecsSinceEpoch(1'000'000, Qt::UTC);
+    const auto now = QDateTime::fromMSecsSinceEpoch(1'000'000).toUTC();
     EXPECT_EQ(OverlayLabels::elapsed(std::nullopt, now), u"0:00"_s);
     EXPECT_EQ(OverlayLabels::elapsed(now.addSecs(5), now), u"0:00"_s);
     EXPECT_EQ(OverlayLabels::elapsed(now.addMSecs(-1999), now), u"0:01"_s);

@@ -51,7 +51,7 @@ public:
     bool isStill = true;
 
     QDateTime now() const override {
-        return isStill ? QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, Qt::UTC)
+        return isStill ? QDateTime::fromMSecsSinceEpoch(1'700'000'000'000).toUTC()
                        : QDateTime::currentDateTimeUtc();
     }
     Subscription after(std::chrono::milliseconds, std::function<void()>) override { return {}; }
