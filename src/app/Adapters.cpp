@@ -56,6 +56,7 @@ Adapters::Adapters(Clock& clock, std::function<void()> giveUpName)
                 marks_,           chatSession_,   transcriptionSession_,
                 userAccount_} {
     eventTap_.setFnStandIn(DefaultsValues::string(userDefaults_, u"fnStandIn"_s).value_or(u"rightControl"_s));
+    folders_.close();
     folders_.removeLeftovers();
 }
 

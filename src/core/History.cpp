@@ -4,6 +4,7 @@
 #include "core/PrivateFiles.h"
 #include "platform/ApplicationFolders.h"
 #include "platform/Clock.h"
+#include "platform/WholeFile.h"
 #include "text/WhiteSpace.h"
 
 #include <QFile>
@@ -18,7 +19,7 @@ History::History(AppModel& model, ApplicationFolders& folders, Clock& clock)
 QString History::filePath() const { return folders_.dataFolder() + u"/history.json"_s; }
 
 void History::load() {
-    PrivateFiles::removeLeftovers(filePath());
+    removeUnfinished(filePath());
     const auto data = PrivateFiles::read(filePath(), mostBytesRead);
     auto records = data ? decodeDictationRecords(*data, mostRecordsRead) : std::nullopt;
     isUnreadable_ = !records && QFile::exists(filePath());
@@ -62,14 +63,9 @@ void History::clear() {
 }
 
 void History::save() {
-    if (!isUnreadable_ || keepUnreadable())
+    isUnreadable_ = isUnreadable_ && !setUnreadableAside(filePath());
+    if (!isUnreadable_)
         PrivateFiles::write(filePath(), encoder_.encode(model_.history()));
-}
-
-bool History::keepUnreadable() {
-    const QString kept = folders_.dataFolder() + u"/history.unreadable.json"_s;
-    isUnreadable_ = QFile::exists(filePath()) && !PrivateFiles::rename(filePath(), kept);
-    return !isUnreadable_;
 }
 
 } // namespace velorin

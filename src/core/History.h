@@ -25,7 +25,8 @@ public:
     History(AppModel& model, ApplicationFolders& folders, Clock& clock);
 
     /// Reads the file; what cannot be read, or is far larger than what we write, is an empty history. Such a
-    /// file stays as it is until the first change, which keeps it as "history.unreadable.json".
+    /// file stays as it is until the first change, which keeps it as "history.unreadable.json", or with the
+    /// next number that is free.
     void load();
     /// Nothing happens while the history is switched off or for a text without a visible character.
     void record(const QString& raw, const QString& cleaned, const std::optional<RunningApplication>& target);
@@ -35,7 +36,6 @@ public:
 private:
     [[nodiscard]] QString filePath() const;
     void save();
-    bool keepUnreadable();
 
     AppModel& model_;
     ApplicationFolders& folders_;

@@ -1,14 +1,12 @@
 #include "core/PrivateFiles.h"
 
+#include "platform/PrivateFolder.h"
 #include "platform/WholeFile.h"
 
-#include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cstdio>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -19,14 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace velorin::PrivateFiles {
 namespace {
 
-constexpr int leftoverAge = 60; // seconds: nobody takes that long to write
-constexpr QFile::Permissions ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
-
-void makeFolder(const QString& path) {
-    const QString folder = QFileInfo(path).path();
-    if (!QFileInfo::exists(folder) && QDir().mkpath(folder))
-        QFile::setPermissions(folder, ownerOnly | QFile::ExeOwner);
-}
+QString folderOf(const QString& path) { return QFileInfo(path).path(); }
 
 class Descriptor final {
 public:
@@ -102,26 +93,12 @@ std::optional<QByteArray> read(const QString& path, qint64 mostBytes) {
 }
 
 bool write(const QString& path, const QByteArray& data) {
-    makeFolder(path);
-    return replaceFile(path, data, ownerOnly).has_value();
-}
-
-bool rename(const QString& from, const QString& to) {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-}
-
-void removeLeftovers(const QString& path) {
-    const QFileInfo file(path);
-    const QDateTime past = QDateTime::currentDateTime().addSecs(-leftoverAge);
-    const QDir folder(file.path());
-    // QSaveFile writes into a file whose name has six more characters.
-    for (const QFileInfo& entry : folder.entryInfoList({file.fileName() + u".??????"_s}, QDir::Files))
-        if (entry.lastModified() < past)
-            QFile::remove(entry.filePath());
+    makePrivateFolder(folderOf(path));
+    return replaceFile(path, data).has_value();
 }
 
 bool appendLine(const QString& path, const QByteArray& line) {
-    makeFolder(path);
+    makePrivateFolder(folderOf(path));
     const Descriptor file(path);
     if (!file.isOpen())
         return write(path, line + '\n');

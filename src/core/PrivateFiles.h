@@ -18,12 +18,6 @@ namespace velorin::PrivateFiles {
 /// Replaces the file in one step, so that a crash leaves the old or the new one; makes the folder.
 bool write(const QString& path, const QByteArray& data);
 
-/// Gives the file another name, in one step; what had that name is replaced.
-bool rename(const QString& from, const QString& to);
-
-/// Deletes what a process that was killed while it replaced the file has left beside it.
-void removeLeftovers(const QString& path);
-
 /// Adds a line, with its line feed, to an existing file's end, or makes the file; makes the folder.
 bool appendLine(const QString& path, const QByteArray& line);
 

@@ -97,8 +97,8 @@ TEST_F(HistoryOfTheModel, AHostileFileIsAnEmptyHistoryWithoutAStall) {
 }
 
 TEST_F(HistoryOfTheModel, WhatAKilledProcessLeftIsTakenAway) {
-    const QString leftover = home.filePath(u"history.json.aBcDeF"_s);
-    const QString another = home.filePath(u"history.json.backup.1"_s);
+    const QString leftover = home.filePath(u"history.json.velorin-unfinished-0123456789abcdef"_s);
+    const QString another = home.filePath(u"history.json.backup"_s);
     for (const QString& path : {leftover, another}) {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -1,13 +1,13 @@
 #include "platform/linux/desktop/JsonUserDefaults.h"
 
+#include "platform/PrivateFolder.h"
 #include "platform/WholeFile.h"
+#include "platform/linux/desktop/XdgFolders.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QLoggingCategory>
-#include <QStandardPaths>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,18 +16,14 @@ namespace {
 
 Q_LOGGING_CATEGORY(preferencesLog, "dev.orrin.velorin.preferences", QtInfoMsg)
 
-constexpr QFile::Permissions ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
-
 } // namespace
 
 JsonUserDefaults::JsonUserDefaults(QString path) : path_(std::move(path)) { load(); }
 
-QString JsonUserDefaults::defaultPath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           u"/velorin/preferences.json"_s;
-}
+QString JsonUserDefaults::defaultPath() { return XdgFolders::configurationFolder() + u"/preferences.json"_s; }
 
 void JsonUserDefaults::load() {
+    removeUnfinished(path_);
     QFile file(path_);
     if (!file.exists())
         return;
@@ -75,25 +71,18 @@ void JsonUserDefaults::changed() {
 }
 
 void JsonUserDefaults::write() {
-    if (!QDir().mkpath(QFileInfo(path_).path()))
+    if (!makePrivateFolder(QFileInfo(path_).path()))
         qCWarning(preferencesLog).noquote() << u"the folder of %1 cannot be made"_s.arg(path_);
-    keepUnreadable();
-    const auto written =
-        replaceFile(path_, QJsonDocument(values_).toJson(QJsonDocument::Indented), ownerOnly);
+    // What cannot be kept is not overwritten either.
+    isUnreadable_ = isUnreadable_ && !setUnreadableAside(path_);
+    const auto written = isUnreadable_
+                             ? tl::unexpected(u"what is there cannot be kept"_s)
+                             : replaceFile(path_, QJsonDocument(values_).toJson(QJsonDocument::Indented));
     if (written)
         hasChanges_ = false;
     else
         qCWarning(preferencesLog).noquote()
             << u"the preferences cannot be written: %1"_s.arg(written.error());
-}
-
-void JsonUserDefaults::keepUnreadable() {
-    if (!isUnreadable_)
-        return;
-    const QFileInfo file(path_);
-    const QString kept = file.path() + u'/' + file.completeBaseName() + u".unreadable.json"_s;
-    QFile::remove(kept);
-    isUnreadable_ = !QFile::rename(path_, kept) && file.exists();
 }
 
 } // namespace velorin

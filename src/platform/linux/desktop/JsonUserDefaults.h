@@ -1,9 +1,9 @@
 /// Preferences in one JSON file, readable by the user only.
 ///
 /// A change is on the disk when the call returns, in one step: a crash leaves the old or the new file. A file
-/// that cannot be parsed is kept beside it as "<name>.unreadable.json" before it is first overwritten. When
-/// the file cannot be written, that is logged, memory stays right, and the next change tries again.
-/// Main thread.
+/// that cannot be parsed is kept beside it as "<name>.unreadable.json", or with the next number that is free,
+/// before a new one is first written. When the file cannot be written, that is logged, memory stays right,
+/// and the next change tries again. Main thread.
 #pragma once
 
 #include "platform/UserDefaults.h"
@@ -29,7 +29,6 @@ private:
     void load();
     void changed();
     void write();
-    void keepUnreadable();
 
     QString path_;
     QJsonObject values_;

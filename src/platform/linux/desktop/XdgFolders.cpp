@@ -1,7 +1,10 @@
 #include "platform/linux/desktop/XdgFolders.h"
 
+#include "platform/PrivateFolder.h"
+
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <linux/magic.h>
@@ -29,6 +32,10 @@ QString XdgFolders::dataFolder() const {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Velorin"_s;
 }
 
+QString XdgFolders::configurationFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/velorin"_s;
+}
+
 QString XdgFolders::temporaryFolder() const {
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty() && QDir(runtime).exists())
@@ -37,9 +44,16 @@ QString XdgFolders::temporaryFolder() const {
 }
 
 void XdgFolders::removeLeftovers() const {
+    const QRegularExpression recording(u"^velorin-[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\\.wav$"_s);
     QDir folder(temporaryFolder());
-    for (const QString& name : folder.entryList({u"velorin-*.wav"_s}, QDir::Files))
-        folder.remove(name);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden))
+        if (recording.match(name).hasMatch())
+            folder.remove(name);
+}
+
+void XdgFolders::close() const {
+    for (const QString& folder : {dataFolder(), configurationFolder(), temporaryFolder()})
+        closeFolder(folder);
 }
 
 } // namespace velorin

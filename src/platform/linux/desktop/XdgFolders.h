@@ -12,7 +12,14 @@ public:
     /// "velorin" in $XDG_RUNTIME_DIR, which is in memory; without one, in the system's temporary folder.
     [[nodiscard]] QString temporaryFolder() const override;
 
-    /// Removes recordings that a killed process left behind. Safe only for the one running instance.
+    /// "velorin" in $XDG_CONFIG_HOME.
+    [[nodiscard]] static QString configurationFolder();
+
+    /// Lets nobody but the user into those of them that are there, whoever made them and when.
+    void close() const;
+
+    /// Removes recordings that a killed process left behind. Names of exactly their form
+    /// only, and safe only for the one running instance.
     void removeLeftovers() const;
 };
 

@@ -2,12 +2,16 @@
 
 #include "platform/Background.h"
 #include "platform/Log.h"
+#include "platform/PrivateFolder.h"
 #include "platform/linux/recognition/FileReceiver.h"
+#include "platform/linux/recognition/ModelFolder.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QNetworkReply>
 #include <QStorageInfo>
+#include <QTimer>
 
 #include <optional>
 
@@ -55,13 +59,13 @@ tl::unexpected<RecognitionError> failure(ReceiveProblem problem) {
 
 /// What tells one version of a file on the server from another, kept beside its first part.
 QByteArray readValidator(const QString& path) {
-    QFile file(path + u".validator"_s);
+    QFile file(ModelFolder::validatorOf(path));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void keepValidator(const QString& path, const QNetworkReply& reply) {
     const QByteArray tag = reply.rawHeader("ETag");
-    QFile file(path + u".validator"_s);
+    QFile file(ModelFolder::validatorOf(path));
     if (file.open(QIODevice::WriteOnly))
         file.write(tag.isEmpty() || tag.startsWith("W/") ? reply.rawHeader("Last-Modified") : tag);
 }
@@ -96,7 +100,7 @@ RecognitionTask<void> ModelDownload::run(AssetInstallationRequest::Progress prog
     const Alive alive = alive_;
     progress_ = std::move(progress);
     const QString folder = incompleteFolder(store_, model_);
-    if (!QDir().mkpath(folder))
+    if (!makePrivateFolder(folder))
         co_return failure(notStorable);
     QLockFile lock(folder + u".lock"_s);
     lock.setStaleLockTime(0); // Only the end of its process makes a lock stale.
@@ -152,9 +156,9 @@ RecognitionTask<void> ModelDownload::bring(const ModelFile* file) {
     const QString path = incompleteFolder(store_, model_) + u'/' + file->name;
     // A part has another name until it is complete.
     if (!QFile::exists(path)) {
-        if (auto fetched = co_await fetch(file, path + u".part"_s); alive.expired() || !fetched)
+        if (auto fetched = co_await fetch(file, ModelFolder::partOf(path)); alive.expired() || !fetched)
             co_return fetched;
-        if (!QFile::rename(path + u".part"_s, path))
+        if (!QFile::rename(ModelFolder::partOf(path), path))
             co_return failure(notEnoughSpace);
     }
     tell(QFileInfo(path).size());
@@ -227,13 +231,11 @@ RecognitionTask<void> ModelDownload::putInPlace() {
     if (alive.expired())
         co_return failure(ReceiveProblem::cancelled);
     if (!isUsable) {
-        QDir(folder).removeRecursively();
+        ModelFolder::clear(folder, model_);
         co_return failure(ReceiveProblem::tooMuch);
     }
-    for (const QString& validator : QDir(folder).entryList({u"*.validator"_s}, QDir::Files))
-        QFile::remove(folder + u'/' + validator);
-    QDir(place).removeRecursively(); // A damaged one, or it would not have been downloaded.
-    if (!syncFolder(folder) || !QDir().rename(folder, place))
+    // What is there is damaged, or it would not have been downloaded.
+    if (!syncFolder(folder) || !ModelFolder::putInPlace(folder, place, model_))
         co_return failure(notEnoughSpace);
     qCInfo(speechLog).noquote() << "model" << model_.id << "installed";
     co_return Outcome{};

@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/WholeFile.h"
+#include "platform/linux/recognition/ModelFolder.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -33,12 +34,10 @@ std::optional<QByteArray> identity(const QString& path) {
            QByteArray::number(nanoseconds(status.st_ctim));
 }
 
-constexpr auto digestsName = u"digests";
-
 /// The files of the model, those without a digest in the table with what was recorded when they came.
 std::vector<ModelFile> filesOf(const Model& model, const QString& folder) {
     std::vector<ModelFile> files = model.files;
-    QFile recorded(folder + u'/' + digestsName);
+    QFile recorded(ModelFolder::digestsOf(folder));
     if (!recorded.open(QIODevice::ReadOnly))
         return files;
     while (!recorded.atEnd()) {
@@ -147,7 +146,7 @@ bool ModelStore::recordDigests(const QString& folder, const std::vector<ModelFil
             .append(file.name.toUtf8());
         record.append(row.append('\n'));
     }
-    return replaceFile(folder + u'/' + digestsName, record).has_value();
+    return replaceFile(ModelFolder::digestsOf(folder), record).has_value();
 }
 
 } // namespace velorin

@@ -1,8 +1,12 @@
 #include "platform/linux/sound/SndfileWriter.h"
 
-#include <QDir>
+#include "platform/PrivateFolder.h"
+
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
+
+#include <mutex>
 
 #include <fcntl.h>
 #include <sndfile.h>
@@ -17,6 +21,36 @@ struct CloseSndfile {
     void operator()(SNDFILE* file) const { sf_close(file); }
 };
 using Handle = std::unique_ptr<SNDFILE, CloseSndfile>;
+
+/// The files of this process that may still be there.
+///
+/// They go with it by whichever way it ends: exit(), which Qt calls when the display goes away, does not come
+/// back to the end of main, and so to nobody who owns a recording.
+class PassingFiles final {
+public:
+    static PassingFiles& ofThisProcess() {
+        static PassingFiles files;
+        return files;
+    }
+    PassingFiles(const PassingFiles&) = delete;
+    PassingFiles& operator=(const PassingFiles&) = delete;
+
+    void add(const QString& path) {
+        const std::scoped_lock lock(mutex_);
+        paths_.removeIf([](const QString& known) { return !QFile::exists(known); });
+        paths_.append(path);
+    }
+
+private:
+    PassingFiles() = default;
+    ~PassingFiles() {
+        for (const QString& path : paths_)
+            QFile::remove(path);
+    }
+
+    std::mutex mutex_;
+    QStringList paths_;
+};
 
 class SndfileWriter final : public AudioFileWriter {
 public:
@@ -40,34 +74,21 @@ private:
     AudioFormat format_;
 };
 
-bool makeFolders(const QString& path) {
-    if (QFileInfo::exists(path))
-        return true;
-    // What is made on the way is for the user alone from its first moment.
-    const QString parent = QFileInfo(path).path();
-    return makeFolders(parent) && mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0;
-}
-
 /// In a place that others write to as well, a folder of that name may be somebody else's, or a link.
-bool makePrivateFolder(const QString& path) {
-    struct stat status {};
-    const QByteArray name = QFile::encodeName(path);
-    if (!makeFolders(path) || lstat(name.constData(), &status) != 0)
-        return false;
-    const bool isOurs = S_ISDIR(status.st_mode) && status.st_uid == geteuid();
-    const bool isPrivate = (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-    return isOurs && (isPrivate || chmod(name.constData(), S_IRWXU) == 0);
+bool makeOwnFolder(const QString& path) {
+    return !QFileInfo(path).isSymLink() && makePrivateFolder(path) && closeFolder(path);
 }
 
 } // namespace
 
 std::unique_ptr<AudioFileWriter> SndfileFactory::create(const QString& path, AudioFormat format) {
-    if (!makePrivateFolder(QFileInfo(path).absolutePath()))
+    if (!makeOwnFolder(QFileInfo(path).absolutePath()))
         return nullptr;
     const int descriptor = open(QFile::encodeName(path).constData(),
                                 O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0)
         return nullptr;
+    PassingFiles::ofThisProcess().add(path);
     SF_INFO info{};
     info.samplerate = static_cast<int>(format.sampleRate);
     info.channels = format.channels;

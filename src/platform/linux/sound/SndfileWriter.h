@@ -1,4 +1,5 @@
-/// WAV files by libsndfile.
+/// WAV files by libsndfile. They pass: what nobody has removed goes when the process ends, by whichever way it
+/// can still do something.
 #pragma once
 
 #include "platform/AudioFileWriter.h"

@@ -2,6 +2,7 @@
 
 #include "tests/support/LogCapture.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -85,6 +86,33 @@ TEST_F(JsonUserDefaultsFile, KeepsAFileThatItCannotReadBesideTheNewOne) {
     ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
     EXPECT_EQ(kept.readAll(), "{\"a\": 1");
     EXPECT_EQ(QJsonDocument::fromJson(content()).object(), (QJsonObject{{u"b"_s, 2}}));
+}
+
+TEST_F(JsonUserDefaultsFile, KeepsEachFileThatItCannotRead) {
+    for (const char* content : {"{1", "{2"}) {
+        writeFile(content);
+        JsonUserDefaults(path()).set(u"b"_s, 2);
+    }
+    EXPECT_TRUE(QFile::exists(home_.filePath(u"velorin/preferences.unreadable.json"_s)));
+    QFile second(home_.filePath(u"velorin/preferences.unreadable.2.json"_s));
+    ASSERT_TRUE(second.open(QIODevice::ReadOnly));
+    EXPECT_EQ(second.readAll(), "{2");
+}
+
+TEST_F(JsonUserDefaultsFile, LosesWhatAKilledProcessLeftBesideItAndNothingElse) {
+    writeFile("{}");
+    const QString folder = home_.filePath(u"velorin/"_s);
+    const QString leftover = folder + u"preferences.json.velorin-unfinished-0123456789abcdef"_s;
+    const QString another = folder + u"preferences.json.backup"_s;
+    for (const QString& name : {leftover, another}) {
+        QFile file(name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(
+            file.setFileTime(QDateTime::currentDateTime().addSecs(-600), QFileDevice::FileModificationTime));
+    }
+    JsonUserDefaults defaults(path());
+    EXPECT_FALSE(QFile::exists(leftover));
+    EXPECT_TRUE(QFile::exists(another));
 }
 
 TEST_F(JsonUserDefaultsFile, ThatCannotBeWrittenIsLoggedAndTriedAgainAtTheNextChange) {

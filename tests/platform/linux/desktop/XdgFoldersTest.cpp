@@ -42,15 +42,32 @@ TEST_F(XdgFoldersOfTheUser, RecordingsLieInMemoryOrTheSystemsTemporaryFolderWith
 
 TEST_F(XdgFoldersOfTheUser, LeftoversOfAKilledProcessGoAndNothingElse) {
     QDir().mkpath(folders_.temporaryFolder());
-    const QString recording = folders_.temporaryFolder() + u"/velorin-1234.wav"_s;
+    const QString recording =
+        folders_.temporaryFolder() + u"/velorin-5e2a4c0b-7b64-4e0c-9e31-0a6c0c3b7c11.wav"_s;
     const QString other = folders_.temporaryFolder() + u"/notes.txt"_s;
-    for (const QString& path : {recording, other}) {
+    const QString named = folders_.temporaryFolder() + u"/velorin-demonstration.wav"_s;
+    for (const QString& path : {recording, other, named}) {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     }
     folders_.removeLeftovers();
     EXPECT_FALSE(QFile::exists(recording));
     EXPECT_TRUE(QFile::exists(other));
+    EXPECT_TRUE(QFile::exists(named));
+}
+
+TEST_F(XdgFoldersOfTheUser, AreClosedToOthersWhereTheyAreThere) {
+    qputenv("XDG_CONFIG_HOME", home_.filePath(u"config"_s).toLocal8Bit());
+    const QStringList open{folders_.dataFolder(), folders_.temporaryFolder()};
+    for (const QString& path : open) {
+        ASSERT_TRUE(QDir().mkpath(path));
+        ASSERT_TRUE(QFile::setPermissions(path, QFile::Permissions(0x7755)));
+    }
+    folders_.close();
+    for (const QString& path : open)
+        EXPECT_EQ(QFile::permissions(path) & 0x0077, QFile::Permissions()) << qPrintable(path);
+    EXPECT_FALSE(QFile::exists(XdgFolders::configurationFolder()));
+    qunsetenv("XDG_CONFIG_HOME");
 }
 
 } // namespace

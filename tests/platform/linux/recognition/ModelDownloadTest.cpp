@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 namespace velorin {
 
 using namespace Qt::Literals::StringLiterals;
@@ -25,6 +27,42 @@ TEST_F(ModelDownloadTest, PutsAWholeModelInPlace) {
     EXPECT_EQ(trials, 0);
     EXPECT_THAT(QDir(place + u"/incomplete"_s).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), IsEmpty());
     EXPECT_EQ(QDir(place + u"/a-model"_s).entryList(QDir::Files), (QStringList{u"first"_s, u"second"_s}));
+}
+
+TEST_F(ModelDownloadTest, MakesFoldersForTheUserAloneWhateverTheMask) {
+    const mode_t before = umask(0);
+    EXPECT_TRUE(download());
+    umask(before);
+    for (const QString& folder : {place, QString(place + u"/incomplete"_s), QString(place + u"/a-model"_s)})
+        EXPECT_EQ(QFile::permissions(folder) & 0x0077, QFile::Permissions()) << qPrintable(folder);
+}
+
+TEST_F(ModelDownloadTest, LeavesTheUsersFilesBesideADamagedModelInPlace) {
+    const QString folder = place + u"/a-model/"_s;
+    ASSERT_TRUE(QDir().mkpath(folder + u"notes"_s));
+    for (const QString& name : {u"first"_s, u"first.backup"_s, u"my.validator"_s, u"notes/one"_s}) {
+        QFile file(folder + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(name.toUtf8());
+    }
+    ASSERT_TRUE(download());
+    EXPECT_TRUE(store.verified(model));
+    for (const QString& name : {u"first.backup"_s, u"my.validator"_s, u"notes/one"_s}) {
+        QFile file(folder + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+        EXPECT_EQ(file.readAll(), name.toUtf8());
+    }
+}
+
+TEST_F(ModelDownloadTest, LeavesTheUsersFilesBesideAModelThatDoesNotLoad) {
+    forgetDigests();
+    loads = false;
+    const QString folder = place + u"/incomplete/a-model/"_s;
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile notes(folder + u"notes"_s);
+    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+    EXPECT_FALSE(download());
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{u"notes"_s});
 }
 
 TEST_F(ModelDownloadTest, AsksForNothingThatIsThere) {

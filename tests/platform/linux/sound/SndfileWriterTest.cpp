@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 #include <sndfile.h>
 
 namespace velorin {
@@ -54,6 +56,17 @@ TEST(SndfileWriter, MakesTheFolderPrivateAndTakesNobodyElses) {
     ASSERT_TRUE(QFile::link(open, folder.filePath(u"link"_s)));
     EXPECT_FALSE(SndfileFactory().create(folder.filePath(u"link/b.wav"_s), recording));
     EXPECT_FALSE(SndfileFactory().create(u"/proc/1/b.wav"_s, recording));
+}
+
+TEST(SndfileWriter, LeavesNoFileWhenTheProcessEnds) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"recording.wav"_s);
+    const auto recordAndEnd = [&path] {
+        const auto writer = SndfileFactory().create(path, recording);
+        std::exit(writer && QFile::exists(path) ? 0 : 1);
+    };
+    EXPECT_EXIT(recordAndEnd(), testing::ExitedWithCode(0), "");
+    EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST(SndfileWriter, HasAHeaderOf44Bytes) {
