@@ -6,6 +6,7 @@
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
 #include "core/AppModel.h"
+#include "platform/UsersMask.h"
 #include "platform/linux/desktop/Autostart.h"
 #include "platform/linux/desktop/BusNotifications.h"
 #include "platform/linux/desktop/PortalAppearance.h"
@@ -53,6 +54,7 @@ void reportErrors(AppModel& model) {
 } // namespace
 
 int runProgram(int& argc, char** argv, Clock& clock) {
+    UsersMask::setAside();
     qSetMessagePattern(u"%{category}: %{message}"_s);
     if (!hasDisplay())
         return 1;

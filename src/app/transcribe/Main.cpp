@@ -4,6 +4,7 @@
 /// the longest time without one in milliseconds.
 #include "app/transcribe/FileAudioInput.h"
 #include "platform/Gate.h"
+#include "platform/UsersMask.h"
 #include "platform/linux/desktop/SystemClock.h"
 #include "platform/linux/desktop/XdgFolders.h"
 #include "platform/linux/recognition/SherpaRecognition.h"
@@ -132,6 +133,7 @@ Options readOptions() {
 } // namespace velorin
 
 int main(int argc, char* argv[]) {
+    velorin::UsersMask::setAside();
     const QCoreApplication application(argc, argv);
     return QCoro::waitFor(velorin::transcribeAll(velorin::readOptions()));
 }

@@ -1,5 +1,7 @@
 #include "platform/linux/desktop/DesktopWorkspace.h"
 
+#include "platform/UsersMask.h"
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -22,6 +24,11 @@ bool call(const QString& service, const QString& path, const QString& interface,
            QDBusMessage::ReplyMessage;
 }
 
+/// A program that goes on without us, and writes as the user wants it.
+void startForTheUser(const QString& program, const QStringList& arguments) {
+    UsersMask::onThreadOfItsOwn([&] { QProcess::startDetached(program, arguments); });
+}
+
 } // namespace
 
 void DesktopWorkspace::revealFile(const QString& path) {
@@ -34,12 +41,12 @@ void DesktopWorkspace::revealFile(const QString& path) {
 void DesktopWorkspace::openUrl(const QUrl& url) {
     if (!call(u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
               u"org.freedesktop.portal.OpenURI"_s, u"OpenURI"_s, {QString(), url.toString(), QVariantMap()}))
-        QProcess::startDetached(u"xdg-open"_s, {url.toString()});
+        startForTheUser(u"xdg-open"_s, {url.toString()});
 }
 
 void DesktopWorkspace::relaunch(const std::function<void()>& giveUpName) {
     giveUpName();
-    QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
+    startForTheUser(QCoreApplication::applicationFilePath(), {});
     QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 

@@ -59,7 +59,9 @@ bool PulseCapture::connect(PulseLoop::Time deadline) {
     stream_.reset();
     context_.reset(pa_context_new_with_proplist(loop_.api(), "Velorin", properties().get()));
     pa_context_set_state_callback(context_.get(), &onContextState, this);
-    if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0)
+    // A sound server that does not run is started by the library.
+    const pa_spawn_api ofTheUser{nullptr, nullptr, &UsersMask::giveBack};
+    if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, &ofTheUser) < 0)
         return false;
     loop_.runUntil(
         [this] {

@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/ModelInstallation.h"
 
 #include "platform/Log.h"
+#include "platform/UsersMask.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -30,6 +31,7 @@ QString trialProgram() {
 bool ModelInstallation::loadsInAnotherProcess(const QString& folder, const Model& model) {
     QProcess trial;
     trial.setProcessChannelMode(QProcess::MergedChannels);
+    trial.setChildProcessModifier(&UsersMask::giveBack);
     trial.start(trialProgram(), {model.id, folder});
     const bool hasEnded = trial.waitForFinished(static_cast<int>(trialDeadline.count()));
     if (!hasEnded)

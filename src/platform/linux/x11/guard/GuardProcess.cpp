@@ -1,5 +1,6 @@
 #include "platform/linux/x11/guard/GuardProcess.h"
 
+#include "platform/UsersMask.h"
 #include "platform/linux/x11/guard/GuardDescriptors.h"
 
 #include <array>
@@ -46,8 +47,11 @@ public:
         std::array<char*, 3> arguments{const_cast<char*>(program.c_str()),
                                        const_cast<char*>(argument.c_str()), nullptr};
         pid_t process = 0;
-        const int error =
-            posix_spawn(&process, program.c_str(), &actions_, &attributes_, arguments.data(), environ);
+        int error = 0;
+        UsersMask::onThreadOfItsOwn([&] {
+            error =
+                posix_spawn(&process, program.c_str(), &actions_, &attributes_, arguments.data(), environ);
+        });
         return error == 0 ? process : 0;
     }
 
