@@ -87,8 +87,7 @@ AppModel::AppModel(Platform& platform, Seams seams)
     migrateLegacyKey();
     refreshAIKeyState();
     parts_->history.load();
-    parts_->captureLog.mend();
-    refreshCaptureStatus();
+    parts_->captureLog.open();
     wireAIReadiness();
     wireSecrets();
     wireShortcuts();
@@ -168,7 +167,7 @@ void AppModel::previewOverlay() {
 const DictationShortcutSessionController& AppModel::shortcutSession() const {
     return parts_->session.shortcutSession();
 }
-bool AppModel::isSettled() const { return parts_->tasks.isIdle(); }
+bool AppModel::isSettled() const { return parts_->tasks.isIdle() && parts_->captureLog.isSettled(); }
 
 bool AppModel::insertText(const QString& text, const std::optional<RunningApplication>& target) {
     return parts_->router.insertText(text, target);

@@ -2,43 +2,53 @@
 
 #include "core/AppModel.h"
 #include "core/PrivateFiles.h"
+#include "platform/Background.h"
 #include "platform/Platform.h"
+#include "platform/WholeFile.h"
 #include "text/WhiteSpace.h"
 
+#include <QBuffer>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStringDecoder>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
 namespace {
 
-QString statusLine(qsizetype count, qint64 size) {
-    const qint64 kilobytes = std::max<qint64>(size / 1024, 1);
-    return u"%1 dictation%2 · %3 KB"_s.arg(QString::number(count), count == 1 ? QString() : u"s"_s,
-                                           QString::number(kilobytes));
-}
-
-/// Lines that are not empty; 0 when the bytes are no text.
-qsizetype lineCount(const QByteArray& content) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
-    const QString text = decoder.decode(content);
-    if (decoder.hasError())
-        return 0;
-    return QStringView(text).split(u'\n', Qt::SkipEmptyParts).size();
+QString statusLine(const std::optional<LineCounter::Count>& count) {
+    if (!count)
+        return AppModel::tr("No capture file yet.");
+    const qint64 kilobytes = std::max<qint64>(count->bytes / 1024, 1);
+    return u"%1 dictation%2 · %3 KB"_s.arg(
+        QString::number(count->lines), count->lines == 1 ? QString() : u"s"_s, QString::number(kilobytes));
 }
 
 } // namespace
 
-CaptureLog::CaptureLog(AppModel& model, Platform& platform) : model_(model), platform_(platform) {}
+CaptureLog::CaptureLog(AppModel& model, Platform& platform) : model_(model), platform_(platform) {
+    QObject::connect(&watcher_, &QFutureWatcherBase::finished, &watcher_, [this] { tell(); });
+}
+
+CaptureLog::~CaptureLog() { counting_->isStopped = true; }
 
 QString CaptureLog::filePath() const {
     return platform_.folders.dataFolder() + u"/dictation-capture.jsonl"_s;
+}
+
+void CaptureLog::open() {
+    removeUnfinished(filePath());
+    if (!model_.captureDictations())
+        return;
+    mend();
+    if (QFile::exists(filePath()))
+        countLater();
+    else
+        model_.setCaptureStatus(statusLine(std::nullopt));
 }
 
 void CaptureLog::capture(const QString& raw, const QString& cleaned, const QString& kind,
@@ -53,37 +63,69 @@ void CaptureLog::capture(const QString& raw, const QString& cleaned, const QStri
                            {u"kind"_s, kind},
                            {u"raw"_s, trimmed},
                            {u"cleaned"_s, cleaned}};
+    mend();
     PrivateFiles::appendLine(filePath(), QJsonDocument(line).toJson(QJsonDocument::Compact));
 }
 
-void CaptureLog::countLater() {
-    if (model_.captureDictations())
-        refreshStatus();
-}
-
+/// Once, and before the first line: ours would be lost behind half a line of a killed process.
 void CaptureLog::mend() {
+    if (std::exchange(isMended_, true))
+        return;
     PrivateFiles::mendLastLine(
         filePath(), [](const QByteArray& line) { return QJsonDocument::fromJson(line).isObject(); });
 }
 
 QString CaptureLog::statusText(const std::optional<QByteArray>& content) {
     if (!content)
-        return AppModel::tr("No capture file yet.");
-    return statusLine(lineCount(*content), content->size());
+        return statusLine(std::nullopt);
+    QBuffer buffer;
+    buffer.setData(*content);
+    buffer.open(QIODevice::ReadOnly);
+    return statusLine(LineCounter().count(buffer, false));
+}
+
+void CaptureLog::countLater() {
+    if (model_.captureDictations())
+        askForCount();
 }
 
 void CaptureLog::refreshStatus() {
-    const QFileInfo file(filePath());
-    const auto content = PrivateFiles::read(file.filePath());
-    // A file that is there but cannot be read counts no lines; it is not as if there were none.
-    model_.setCaptureStatus(content || !file.exists() ? statusText(content) : statusLine(0, file.size()));
+    if (!QFile::exists(filePath()))
+        model_.setCaptureStatus(statusLine(std::nullopt));
+    isStale_ = true;
+    askForCount();
+}
+
+void CaptureLog::askForCount() {
+    isAskedAgain_ = true;
+    // Whoever asks goes on with what cannot wait.
+    if (!std::exchange(isCounting_, true))
+        QMetaObject::invokeMethod(
+            &watcher_, [this] { count(); }, Qt::QueuedConnection);
+}
+
+void CaptureLog::count() {
+    isAskedAgain_ = false;
+    watcher_.setFuture(
+        inBackground([counting = counting_, path = filePath(), isStale = std::exchange(isStale_, false)] {
+            if (isStale)
+                counting->counter.startAnew();
+            return counting->counter.count(path, counting->isStopped);
+        }));
+}
+
+void CaptureLog::tell() {
+    model_.setCaptureStatus(statusLine(watcher_.result()));
+    isCounting_ = isAskedAgain_;
+    if (isAskedAgain_)
+        count();
 }
 
 void CaptureLog::reveal() {
     if (QFile::exists(filePath()))
         platform_.workspace.revealFile(filePath());
     else
-        model_.setCaptureStatus(statusText(std::nullopt));
+        model_.setCaptureStatus(statusLine(std::nullopt));
 }
 
 void CaptureLog::clear() {

@@ -21,6 +21,13 @@ struct DictationRecord {
     QString text;
     /// What the recogniser gave; absent in entries of older versions.
     std::optional<QString> raw;
+    /// Whether something of the texts was cut off.
+    bool cut = false;
+
+    /// The most that either text holds, in bytes of UTF-8: a reply may have any length.
+    static constexpr qsizetype mostBytes = 100'000;
+    /// Cuts what is longer, between two characters.
+    void shorten();
 
     bool operator==(const DictationRecord&) const = default;
 
@@ -35,8 +42,16 @@ class DictationRecordsEncoder final {
 public:
     [[nodiscard]] QByteArray encode(const QList<DictationRecord>& records);
 
+    /// How many of the newest make a text of fewer bytes than `most`.
+    [[nodiscard]] qsizetype fitting(const QList<DictationRecord>& records, qsizetype most);
+
 private:
-    QHash<QUuid, std::pair<DictationRecord, QByteArray>> known_;
+    using Entry = std::pair<DictationRecord, QByteArray>;
+    using Known = QHash<QUuid, Entry>;
+
+    [[nodiscard]] static Entry entryOf(const DictationRecord& record, const Known& known);
+
+    Known known_;
 };
 
 /// The list back from the text. One unreadable record makes the whole unreadable, and so do more than `most`,

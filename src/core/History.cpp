@@ -36,12 +36,13 @@ void History::record(const QString& raw, const QString& cleaned,
     const QString text = WhiteSpace::trimmed(cleaned, WhiteSpace::Set::whitespacesAndNewlines).toString();
     if (text.isEmpty())
         return;
-    const DictationRecord record{
+    DictationRecord record{
         .id = QUuid::createUuid(),
         .date = clock_.now(),
         .appName = target ? target->localizedName.value_or(u"Unknown app"_s) : u"Unknown app"_s,
         .text = text,
         .raw = WhiteSpace::trimmed(raw, WhiteSpace::Set::whitespacesAndNewlines).toString()};
+    record.shorten();
     model_.changeHistory([&record](QList<DictationRecord>& history) {
         history.prepend(record);
         if (history.size() > maximumRecords)
@@ -64,6 +65,9 @@ void History::clear() {
 
 void History::save() {
     isUnreadable_ = isUnreadable_ && !setUnreadableAside(filePath());
+    const qsizetype fitting = encoder_.fitting(model_.history(), mostBytesWritten);
+    if (fitting < model_.history().size())
+        model_.changeHistory([fitting](QList<DictationRecord>& history) { history.resize(fitting); });
     if (!isUnreadable_)
         PrivateFiles::write(filePath(), encoder_.encode(model_.history()));
 }

@@ -7,8 +7,6 @@
 #include "core/DictationRecord.h"
 #include "platform/RunningApplication.h"
 
-#include <optional>
-
 namespace velorin {
 
 class AppModel;
@@ -21,6 +19,8 @@ public:
     /// Nobody waits for a file that somebody has blown up.
     static constexpr qsizetype mostRecordsRead = 5000;
     static constexpr qint64 mostBytesRead = 16LL << 20;
+    /// Less than is read again: the oldest records go before the file grows beyond it.
+    static constexpr qsizetype mostBytesWritten = 15LL << 20;
 
     History(AppModel& model, ApplicationFolders& folders, Clock& clock);
 
@@ -28,8 +28,10 @@ public:
     /// file stays as it is until the first change, which keeps it as "history.unreadable.json", or with the
     /// next number that is free.
     void load();
-    /// Nothing happens while the history is switched off or for a text without a visible character.
-    void record(const QString& raw, const QString& cleaned, const std::optional<RunningApplication>& target);
+    /// Nothing happens while the history is switched off or for a text without a visible character. Of a very
+    /// long text the beginning is kept.
+    void record(const QString& raw, const QString& cleaned,
+                const std::optional<RunningApplication>& target);
     void remove(const DictationRecord& record);
     void clear();
 

@@ -17,6 +17,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace velorin::PrivateFiles {
 namespace {
 
+/// Nobody waits for the end of a file that somebody has put in the place of ours.
+constexpr off_t longestLine = 16 << 20;
+
 QString folderOf(const QString& path) { return QFileInfo(path).path(); }
 
 class Descriptor final {
@@ -62,17 +65,19 @@ QByteArray readFrom(int descriptor, off_t begin) {
     return readFrom(descriptor, begin, ::lseek(descriptor, 0, SEEK_END));
 }
 
-/// Where the last line begins; nothing when it has its line feed, or there is none.
+/// Where the last line begins; nothing when it has its line feed, or there is none. A line that is longer
+/// than any of ours begins where that is seen.
 std::optional<off_t> beginOfTornLine(int descriptor) {
     constexpr off_t step = 64 * 1024;
-    for (off_t end = ::lseek(descriptor, 0, SEEK_END), size = end; end > 0;) {
-        const off_t begin = std::max<off_t>(0, end - step);
-        const QByteArray bytes = readFrom(descriptor, begin, end);
-        if (const auto feed = bytes.lastIndexOf('\n'); feed >= 0)
+    const off_t size = ::lseek(descriptor, 0, SEEK_END);
+    off_t begin = size;
+    while (begin > 0 && size - begin <= longestLine) {
+        const off_t end = begin;
+        begin = std::max<off_t>(0, end - step);
+        if (const auto feed = readFrom(descriptor, begin, end).lastIndexOf('\n'); feed >= 0)
             return begin + feed + 1 == size ? std::nullopt : std::optional<off_t>(begin + feed + 1);
-        end = begin;
     }
-    return ::lseek(descriptor, 0, SEEK_END) > 0 ? std::optional<off_t>(0) : std::nullopt;
+    return size > 0 ? std::optional<off_t>(begin) : std::nullopt;
 }
 
 /// The disk was full in the middle of a line: it goes, unless somebody has written behind it since.
@@ -120,7 +125,7 @@ void mendLastLine(const QString& path, const std::function<bool(const QByteArray
     if (!begin)
         return;
     const auto torn = readFrom(file.get(), *begin);
-    if (isWhole(torn))
+    if (torn.size() > longestLine || isWhole(torn))
         (void)!::write(file.get(), "\n", 1);
     else
         (void)!::ftruncate(file.get(), *begin);

@@ -22,7 +22,8 @@ bool write(const QString& path, const QByteArray& data);
 bool appendLine(const QString& path, const QByteArray& line);
 
 /// Sees to it that the last line has its line feed: one that a process was killed in goes, unless
-/// `isWhole` says that nothing is missing. Leaves the file alone while somebody appends to it.
+/// `isWhole` says that nothing is missing, or it is far longer than any of ours. Leaves the file alone while
+/// somebody appends to it.
 void mendLastLine(const QString& path, const std::function<bool(const QByteArray&)>& isWhole);
 
 } // namespace velorin::PrivateFiles

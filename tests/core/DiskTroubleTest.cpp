@@ -128,6 +128,7 @@ TEST_F(DiskTrouble, FilesThatMayNotBeWrittenStayAsTheyAre) {
     {
         const ReadOnlyFolder readOnly(home.path());
         record(u"second"_s);
+        EXPECT_TRUE(waitUntilSettled());
         EXPECT_EQ(model->captureStatus(), u"1 dictation · 1 KB"_s);
     }
     EXPECT_EQ(model->history().size(), 2);

@@ -79,6 +79,66 @@ TEST_F(HistoryOfTheModel, AReadableFileIsKeptUnderNoOtherName) {
     EXPECT_FALSE(QFile::exists(home.filePath(u"history.unreadable.json"_s)));
 }
 
+TEST_F(HistoryOfTheModel, EachFileThatCannotBeReadIsKept) {
+    for (const char* damaged : {"[1", "[2"}) {
+        writeFile(damaged);
+        start();
+        model->recordHistory(u"raw"_s, u"text"_s);
+        endModel();
+    }
+    QFile second(home.filePath(u"history.unreadable.2.json"_s));
+    ASSERT_TRUE(second.open(QIODevice::ReadOnly));
+    EXPECT_EQ(second.readAll(), "[2");
+    EXPECT_TRUE(QFile::exists(home.filePath(u"history.unreadable.json"_s)));
+}
+
+TEST_F(HistoryOfTheModel, OfAVeryLongTextTheBeginningIsKept) {
+    start();
+    model->recordHistory(QString(100'000, u'r'), QString(50'000, u'\u00e9'));
+    EXPECT_FALSE(model->history().first().cut) << "each has exactly what is allowed";
+    EXPECT_FALSE(content().contains("cut"));
+    model->recordHistory(u"raw"_s, u"x"_s + QString(50'000, u'\u00e9'));
+    const auto record = model->history().first();
+    EXPECT_TRUE(record.cut);
+    EXPECT_EQ(record.text.toUtf8().size(), 99'999);
+    EXPECT_EQ(record.raw, u"raw"_s);
+    endModel();
+    start();
+    EXPECT_EQ(model->history().first(), record);
+    model->recordHistory(u"raw"_s, u"another"_s);
+    EXPECT_TRUE(decodeDictationRecords(content())->last().raw.has_value());
+    EXPECT_TRUE((*decodeDictationRecords(content()))[1].cut);
+}
+
+TEST_F(HistoryOfTheModel, AReplyOfAnyLengthCanBeReadAtTheNextStart) {
+    start();
+    for (int i = 0; i < 200; ++i)
+        model->recordHistory(QString(200'000, u'\u0001'), QString(200'000, QChar(i + 1)) + u'x');
+    const auto inMemory = model->history();
+    EXPECT_LT(QFileInfo(path()).size(), History::mostBytesWritten);
+    EXPECT_GT(inMemory.size(), 10);
+    endModel();
+    start();
+    EXPECT_EQ(model->history(), inMemory);
+    EXPECT_FALSE(QFile::exists(home.filePath(u"history.unreadable.json"_s)));
+}
+
+TEST(DictationRecord, IsCutBetweenTwoCharacters) {
+    const auto cut = [](const QString& text) {
+        DictationRecord record;
+        record.text = text;
+        record.shorten();
+        EXPECT_EQ(record.cut, record.text != text);
+        return record.text.toUtf8();
+    };
+    const QByteArray start(99'998, 'x');
+    EXPECT_EQ(cut(QString::fromLatin1(start) + u"e\u0301"_s), start) << "a letter and its mark";
+    EXPECT_EQ(cut(QString::fromLatin1(start) + u"\U0001F44B"_s), start) << "two units";
+    EXPECT_EQ(cut(QString::fromLatin1(start) + u"ab"_s), start + "ab");
+    EXPECT_EQ(cut(QString::fromLatin1(start) + u" \nab"_s), start);
+    EXPECT_EQ(cut(u'e' + QString(100'000, u'\u0301')).size(), 99'999) << "one character without end";
+}
+
 TEST_F(HistoryOfTheModel, AHostileFileIsAnEmptyHistoryWithoutAStall) {
     const QByteArray record =
         R"({"id":"5E2A4C0B-7B64-4E0C-9E31-0A6C0C3B7C11","date":"2026-01-02T03:04:05Z","appName":"A","text":"t"})";
