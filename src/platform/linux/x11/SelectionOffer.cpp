@@ -1,5 +1,7 @@
 #include "platform/linux/x11/SelectionOffer.h"
 
+#include "platform/linux/x11/ServerTime.h"
+
 #include <algorithm>
 
 namespace velorin {
@@ -106,7 +108,8 @@ void SelectionOffer::handle(const xcb_generic_event_t& event) {
 void SelectionOffer::answer(const xcb_selection_request_event_t& request) {
     // Old clients leave the property out and mean one named like the target.
     const auto property = request.property == XCB_ATOM_NONE ? request.target : request.property;
-    const bool isCurrent = offer_ && (request.time == XCB_CURRENT_TIME || request.time >= offer_->since);
+    const bool isCurrent = offer_ && ServerTime::means(request.time, offer_->since,
+                                                       std::chrono::steady_clock::now() - offer_->ownedSince);
     if (isCurrent && offer_->countsFetches)
         offer_->requestors.insert(request.requestor);
     const bool isDone = isCurrent && (request.target == atom("MULTIPLE")

@@ -39,6 +39,7 @@ private:
         std::map<xcb_atom_t, const PasteboardEntry*> entries;
         std::set<xcb_window_t> requestors;
         xcb_timestamp_t since = XCB_CURRENT_TIME;
+        std::chrono::steady_clock::time_point ownedSince = std::chrono::steady_clock::now();
         bool countsFetches = false;
         bool isConfirmed = false;
     };
