@@ -1,5 +1,7 @@
 #include "platform/linux/pulse/PulseCapture.h"
 
+#include "platform/UsersMask.h"
+
 #include <cstring>
 
 namespace velorin {
