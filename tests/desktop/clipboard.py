@@ -4,13 +4,28 @@ import struct
 import subprocess
 import zlib
 
+import waiting
+from Xlib import X
+from Xlib.display import Display
+
 _SECONDS = 5
 
 
 def write(data: bytes, target: str = "UTF8_STRING", selection: str = "clipboard"):
     """Offers the bytes; a process of its own holds them until somebody else takes the clipboard."""
+    display = Display()
+    name = display.intern_atom(selection.upper())
+
+    def owner() -> int:
+        window = display.get_selection_owner(name)
+        return window.id if window else X.NONE
+
+    before = owner()
     subprocess.run(["xclip", "-in", "-selection", selection, "-target", target], input=data, check=True,
                    timeout=_SECONDS, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    # The process that holds them is a child of the one that was waited for, and takes the clipboard on its own time.
+    waiting.until(f"somebody to take the {selection}", _SECONDS, lambda: owner() not in (before, X.NONE))
+    display.close()
 
 
 def read(target: str = "UTF8_STRING", selection: str = "clipboard") -> bytes | None:
