@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <array>
 #include <poll.h>
 
@@ -21,6 +22,7 @@ constexpr auto retryInterval = 2000;
 constexpr auto connectDeadline = 3s;
 /// What the thread leaves of a budget for its answer to reach the caller, who waits no longer than that.
 constexpr auto handing = 20ms;
+constexpr std::size_t longestAddress = 4096;
 
 std::shared_ptr<AtspiOperation> operationWithin(std::chrono::milliseconds budget) {
     return std::make_shared<AtspiOperation>(budget - handing);
@@ -32,8 +34,14 @@ std::string sessionAddress() {
     return address.empty() && !folder.empty() ? "unix:path=" + folder + "/bus" : address;
 }
 
+/// There are addresses that have a program started, or that lead to other machines.
+bool isOfASocket(const std::string& address) {
+    const auto entries = QByteArray::fromStdString(address).split(';');
+    return std::ranges::all_of(entries, [](const auto& entry) { return entry.startsWith("unix:"); });
+}
+
 void switchOn(BusConnection& session, Deadline deadline) {
-    const BusObject status{"org.a11y.Bus", "/org/a11y/bus"};
+    const auto status = BusObject::ours("org.a11y.Bus", "/org/a11y/bus");
     const std::string interface = "org.a11y.Status";
     const auto reply = session.call(
         {status, DBUS_INTERFACE_PROPERTIES, "Get", {interface, std::string("IsEnabled")}}, deadline);
@@ -51,10 +59,10 @@ std::unique_ptr<BusConnection> openAccessibilityBus() {
     if (!session)
         return nullptr;
     switchOn(*session, deadline);
-    const auto reply =
-        session->call({{"org.a11y.Bus", "/org/a11y/bus"}, "org.a11y.Bus", "GetAddress", {}}, deadline);
-    const auto found = reply ? BusReader(*reply).string() : std::nullopt;
-    return found && !found->empty() ? BusConnection::open(*found, deadline) : nullptr;
+    const auto reply = session->call(
+        {BusObject::ours("org.a11y.Bus", "/org/a11y/bus"), "org.a11y.Bus", "GetAddress", {}}, deadline);
+    const auto found = reply ? BusReader(*reply).string(longestAddress) : std::nullopt;
+    return found && isOfASocket(*found) ? BusConnection::open(*found, deadline) : nullptr;
 }
 
 } // namespace

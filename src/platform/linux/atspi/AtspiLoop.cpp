@@ -18,7 +18,8 @@ constexpr unsigned activeState = 1;
 constexpr unsigned focusedState = 12;
 constexpr unsigned showingState = 25;
 
-constexpr std::size_t mostFocused = 16;
+/// Of one application.
+constexpr std::ptrdiff_t mostFocused = 16;
 constexpr int mostSearched = 1000;
 
 /// Of menus and the kinds of items in them.
@@ -40,22 +41,27 @@ AtspiLoop::AtspiLoop(BusConnection& bus, std::function<bool()> isWanted)
     : bus_(bus), isWanted_(std::move(isWanted)) {
     bus_.addMatch(eventRule(objectEvents, "member='StateChanged',arg0='focused'"));
     bus_.addMatch(eventRule(windowEvents, "member='Activate'"));
-    bus_.addMatch(eventRule(DBUS_INTERFACE_DBUS, "member='NameOwnerChanged'"));
+    bus_.addMatch(eventRule(DBUS_INTERFACE_DBUS, "member='NameOwnerChanged',sender='" DBUS_SERVICE_DBUS "'"));
     subscribe();
     // What had the keyboard before we came tells nobody of it any more.
     AtspiOperation operation(callDeadline);
     for (const auto& application : applications(operation))
-        searches_.emplace(application.owner, Deadline(std::chrono::milliseconds(0)));
+        searches_.emplace(application.owner(), Deadline(std::chrono::milliseconds(0)));
 }
 
 void AtspiLoop::subscribe() {
     for (const auto* event : {"object:state-changed:focused", "window:activate"})
-        (void)bus_.send({{registry, "/org/a11y/atspi/registry"}, registry, "RegisterEvent", {event}});
+        bus_.tell(
+            {BusObject::ours(registry, "/org/a11y/atspi/registry"), registry, "RegisterEvent", {event}});
 }
 
 void AtspiLoop::takeSignals() {
-    while (const auto signal = bus_.takeSignal())
+    const Deadline deadline(listeningPatience);
+    for (auto signal = bus_.takeSignal(); signal; signal = bus_.takeSignal()) {
         take(*signal);
+        if (deadline.hasPassed())
+            return;
+    }
 }
 
 void AtspiLoop::serve() {
@@ -63,7 +69,7 @@ void AtspiLoop::serve() {
     const auto due = std::ranges::find_if(searches_, [](const auto& s) { return s.second.hasPassed(); });
     if (due == searches_.end())
         return;
-    const BusObject application{due->first, rootPath};
+    const auto application = BusObject::of(due->first, rootPath);
     searches_.erase(due);
     AtspiOperation operation(callDeadline);
     operation.givesWay = true;
@@ -77,40 +83,41 @@ int AtspiLoop::pollTimeout() const {
     return timeout;
 }
 
-void AtspiLoop::take(DBusMessage& signal) {
-    const auto* sender = dbus_message_get_sender(&signal);
-    const auto* path = dbus_message_get_path(&signal);
-    if (!sender || !path)
-        return;
-    BusReader reader(signal);
-    if (dbus_message_is_signal(&signal, objectEvents, "StateChanged")) {
-        if (reader.string() == "focused")
-            focusMoved({sender, path}, reader.int32().value_or(0) != 0);
-    } else if (dbus_message_is_signal(&signal, windowEvents, "Activate")) {
-        searches_.emplace(sender, Deadline(focusPatience));
-    } else if (dbus_message_is_signal(&signal, DBUS_INTERFACE_DBUS, "NameOwnerChanged")) {
-        const auto name = reader.string().value_or("");
-        (void)reader.string();
-        const auto owner = reader.string().value_or("");
-        if (owner.empty())
-            forget(name);
-        else if (name == registry)
-            subscribe(); // a new registry knows of nobody's wishes
+void AtspiLoop::take(const BusSignal& signal) {
+    if (signal.interface == objectEvents && signal.name == "StateChanged") {
+        if (signal.words[0] == "focused")
+            focusMoved(signal.source, signal.number != 0);
+    } else if (signal.interface == windowEvents && signal.name == "Activate") {
+        searches_.emplace(signal.source.owner(), Deadline(focusPatience));
+    } else if (signal.interface == DBUS_INTERFACE_DBUS && signal.name == "NameOwnerChanged") {
+        // Anybody may send something of that name.
+        if (signal.source.owner().text() == DBUS_SERVICE_DBUS)
+            ownerChanged(signal.words[0], !signal.words[2].empty());
     }
+}
+
+void AtspiLoop::ownerChanged(const std::string& name, bool isThere) {
+    const auto changed = BusName::from(name);
+    if (changed && !isThere)
+        forget(*changed);
+    else if (isThere && name == registry)
+        subscribe(); // a new registry knows of nobody's wishes
 }
 
 void AtspiLoop::focusMoved(const BusObject& element, bool isThere) {
     std::erase(focused_, element);
     if (!isThere)
         return;
-    searches_.erase(element.owner);
+    searches_.erase(element.owner());
     focused_.push_back(element);
-    if (focused_.size() > mostFocused)
-        focused_.erase(focused_.begin());
+    // Nobody's events push those of others out.
+    const auto isOfTheSame = [&](const BusObject& other) { return other.owner() == element.owner(); };
+    if (std::ranges::count_if(focused_, isOfTheSame) > mostFocused)
+        focused_.erase(std::ranges::find_if(focused_, isOfTheSame));
 }
 
-void AtspiLoop::forget(const std::string& owner) {
-    std::erase_if(focused_, [&](const BusObject& element) { return element.owner == owner; });
+void AtspiLoop::forget(const BusName& owner) {
+    std::erase_if(focused_, [&](const BusObject& element) { return element.owner() == owner; });
     processes_.erase(owner);
     toolkits_.erase(owner);
     searches_.erase(owner);
@@ -119,7 +126,7 @@ void AtspiLoop::forget(const std::string& owner) {
 std::optional<BusObject> AtspiLoop::focused(std::int64_t process, AtspiOperation& operation) {
     takeSignals(); // and no more: what else is due can wait
     const auto isAskedFor = [&](const BusObject& element) {
-        return process == 0 || processOf(element.owner, operation) == process;
+        return process == 0 || processOf(element.owner(), operation) == process;
     };
     std::optional<BusObject> withoutText;
     const auto known = focused_;
@@ -143,11 +150,11 @@ std::optional<BusObject> AtspiLoop::focused(std::int64_t process, AtspiOperation
 }
 
 std::vector<BusObject> AtspiLoop::applications(AtspiOperation& operation) {
-    return children({registry, rootPath}, operation);
+    return children(BusObject::ours(registry, rootPath), operation);
 }
 
 std::optional<BusObject> AtspiLoop::searchIn(const BusObject& application, AtspiOperation& operation) {
-    for (const auto& window : children({application.owner, rootPath}, operation)) {
+    for (const auto& window : children(BusObject::of(application.owner(), rootPath), operation)) {
         if (!isInState(window, activeState, operation))
             continue;
         int budget = mostSearched;
@@ -178,7 +185,7 @@ std::optional<BusObject> AtspiLoop::focusIn(const BusObject& element, int& budge
 }
 
 BusMessage AtspiLoop::ask(const BusCall& call, AtspiOperation& operation) {
-    const auto& owner = call.object.owner;
+    const auto& owner = call.object.owner();
     if (operation.end.hasPassed() || operation.silent.contains(owner))
         return nullptr;
     const auto serial = bus_.send(call);
@@ -226,7 +233,7 @@ bool AtspiLoop::isMenu(const BusObject& element, AtspiOperation& operation) {
     return role && std::ranges::find(menuRoles, *role) != menuRoles.end();
 }
 
-std::int64_t AtspiLoop::processOf(const std::string& owner, AtspiOperation& operation) {
+std::int64_t AtspiLoop::processOf(const BusName& owner, AtspiOperation& operation) {
     const auto known = processes_.find(owner);
     if (known != processes_.end())
         return known->second;
@@ -236,11 +243,11 @@ std::int64_t AtspiLoop::processOf(const std::string& owner, AtspiOperation& oper
     return process;
 }
 
-std::string AtspiLoop::toolkitOf(const std::string& owner, AtspiOperation& operation) {
+std::string AtspiLoop::toolkitOf(const BusName& owner, AtspiOperation& operation) {
     const auto known = toolkits_.find(owner);
     if (known != toolkits_.end())
         return known->second;
-    const auto reply = ask({{owner, rootPath},
+    const auto reply = ask({BusObject::of(owner, rootPath),
                             DBUS_INTERFACE_PROPERTIES,
                             "Get",
                             {std::string("org.a11y.atspi.Application"), std::string("ToolkitName")}},

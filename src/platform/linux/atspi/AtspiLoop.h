@@ -23,7 +23,7 @@ struct AtspiOperation {
 
     Deadline end;
     bool givesWay = false; ///< Nobody waits for it: it ends as soon as somebody wants something else.
-    std::set<std::string> silent;
+    std::set<BusName> silent;
 };
 
 class AtspiLoop final {
@@ -36,6 +36,8 @@ public:
     static constexpr std::chrono::milliseconds writePatience{50};
     /// How often what gives way looks whether it has to.
     static constexpr std::chrono::milliseconds givingWayStep{10};
+    /// What listening may cost at a time, however much is told.
+    static constexpr std::chrono::milliseconds listeningPatience{20};
 
     /// `isWanted` tells a long search that somebody waits for something else.
     AtspiLoop(BusConnection& bus, std::function<bool()> isWanted);
@@ -86,14 +88,15 @@ private:
     [[nodiscard]] std::vector<std::uint32_t> statesOf(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool isMenu(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool isInState(const BusObject& element, unsigned state, AtspiOperation& operation);
-    [[nodiscard]] std::string toolkitOf(const std::string& owner, AtspiOperation& operation);
-    [[nodiscard]] std::int64_t processOf(const std::string& owner, AtspiOperation& operation);
+    [[nodiscard]] std::string toolkitOf(const BusName& owner, AtspiOperation& operation);
+    [[nodiscard]] std::int64_t processOf(const BusName& owner, AtspiOperation& operation);
 
     void takeSignals();
-    void take(DBusMessage& signal);
+    void take(const BusSignal& signal);
+    void ownerChanged(const std::string& name, bool isThere);
     void focusMoved(const BusObject& element, bool isThere);
     void subscribe();
-    void forget(const std::string& owner);
+    void forget(const BusName& owner);
     [[nodiscard]] std::vector<BusObject> applications(AtspiOperation& operation);
     std::optional<BusObject> searchIn(const BusObject& application, AtspiOperation& operation);
     [[nodiscard]] std::optional<BusObject> focusIn(const BusObject& element, int& budget,
@@ -102,9 +105,9 @@ private:
     BusConnection& bus_;
     std::function<bool()> isWanted_;
     std::vector<BusObject> focused_; ///< The last one is the latest.
-    std::map<std::string, std::int64_t> processes_;
-    std::map<std::string, std::string> toolkits_;
-    std::map<std::string, Deadline> searches_; ///< Applications whose focus is not known, and when to look.
+    std::map<BusName, std::int64_t> processes_;
+    std::map<BusName, std::string> toolkits_;
+    std::map<BusName, Deadline> searches_; ///< Applications whose focus is not known, and when to look.
 };
 
 } // namespace velorin

@@ -1,6 +1,8 @@
 // What elements say of their text, and how text is put into them.
 #include "platform/linux/atspi/AtspiLoop.h"
 
+#include "text/ForeignText.h"
+
 #include <QList>
 
 #include <atomic>
@@ -22,6 +24,11 @@ constexpr unsigned editableState = 7;
 
 /// Longer texts than anybody writes by hand are not fetched.
 constexpr std::int32_t longestText = 4'000'000;
+constexpr std::size_t longestTextBytes = 4UL * longestText;
+/// Nobody has as much text as that; sums with it stay numbers.
+constexpr std::int32_t furthestPlace = 1'000'000'000;
+/// Of what a toolkit calls a kind of element.
+constexpr qsizetype longestRole = 64;
 
 /// This one says yes to every write and does nothing.
 bool isKnownToLie(const std::string& toolkit) { return toolkit == "Gecko"; }
@@ -52,7 +59,8 @@ std::optional<QString> AtspiLoop::role(const BusObject& element, AtspiOperation&
         return QString::fromUtf16(secureTextFieldRole);
     const auto reply = ask({element, accessibleInterface, "GetRoleName", {}}, operation);
     const auto name = reply ? BusReader(*reply).string() : std::nullopt;
-    return role && name ? std::optional(QString::fromStdString(*name)) : std::nullopt;
+    return role && name ? std::optional(ForeignText::oneLine(QString::fromStdString(*name), longestRole))
+                        : std::nullopt;
 }
 
 bool AtspiLoop::mayBeRead(const BusObject& element, AtspiOperation& operation) {
@@ -76,7 +84,7 @@ std::optional<QString> AtspiLoop::textBetween(const BusObject& element, std::int
     if (start == end)
         return QString();
     const auto reply = ask({element, textInterface, "GetText", {start, end}}, operation);
-    const auto text = reply ? BusReader(*reply).string() : std::nullopt;
+    const auto text = reply ? BusReader(*reply).string(longestTextBytes) : std::nullopt;
     return text ? std::optional(QString::fromStdString(*text)) : std::nullopt;
 }
 
@@ -91,7 +99,7 @@ std::optional<QString> AtspiLoop::value(const BusObject& element, AtspiOperation
 }
 
 QString AtspiLoop::withoutPadding(QString text, const BusObject& element, AtspiOperation& operation) {
-    return text.contains(padding) && padsCharacters(toolkitOf(element.owner, operation))
+    return text.contains(padding) && padsCharacters(toolkitOf(element.owner(), operation))
                ? text.remove(padding)
                : text;
 }
@@ -118,7 +126,7 @@ std::optional<AtspiLoop::Place> AtspiLoop::placeIn(const BusObject& element, Ats
         place.start = std::min(*start, *end);
         place.end = std::max(*start, *end);
     }
-    const bool isWithin = place.start >= 0 && place.end <= place.count;
+    const bool isWithin = place.start >= 0 && place.end <= place.count && place.count <= furthestPlace;
     return isWithin ? std::optional(place) : std::nullopt;
 }
 
@@ -138,7 +146,7 @@ std::optional<TextRange> AtspiLoop::selectedRange(const BusObject& element, Atsp
     const auto place = placeIn(element, operation);
     if (!place || place->end > longestText)
         return std::nullopt;
-    if (countsUnits(toolkitOf(element.owner, operation)))
+    if (countsUnits(toolkitOf(element.owner(), operation)))
         return TextRange{place->start, place->end - place->start};
     const auto upToEnd = textBetween(element, 0, place->end, operation);
     if (!upToEnd)
@@ -152,7 +160,7 @@ std::optional<TextRange> AtspiLoop::selectedRange(const BusObject& element, Atsp
 
 bool AtspiLoop::isSettable(const BusObject& element, AtspiOperation& operation) {
     return has(element, editableInterface, operation) && isInState(element, editableState, operation) &&
-           !isKnownToLie(toolkitOf(element.owner, operation)) && mayBeRead(element, operation);
+           !isKnownToLie(toolkitOf(element.owner(), operation)) && mayBeRead(element, operation);
 }
 
 tl::expected<void, AccessibilityError> AtspiLoop::replaceSelection(const BusObject& element,
@@ -163,7 +171,7 @@ tl::expected<void, AccessibilityError> AtspiLoop::replaceSelection(const BusObje
     const auto replaced = place ? textBetween(element, place->start, place->end, operation) : std::nullopt;
     if (!replaced)
         return tl::unexpected(AccessibilityError::unanswered);
-    const bool byUnits = countsUnits(toolkitOf(element.owner, operation));
+    const bool byUnits = countsUnits(toolkitOf(element.owner(), operation));
     // Both go out before either is answered: an application that hangs in between still gets both.
     std::uint32_t deletion = 0;
     wasSent = true;
@@ -178,7 +186,7 @@ tl::expected<void, AccessibilityError> AtspiLoop::replaceSelection(const BusObje
         (void)bus_.await(deletion, deadline);
     const auto answer = insertion != 0 ? bus_.await(insertion, deadline) : nullptr;
     if (!answer && bus_.hasTimedOut()) {
-        operation.silent.insert(element.owner);
+        operation.silent.insert(element.owner());
         return {}; // handed over: another road could bring it a second time
     }
     if (!answer || !BusReader(*answer).boolean().value_or(false))

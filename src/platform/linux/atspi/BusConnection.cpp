@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/BusConnection.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace velorin {
 
@@ -10,10 +11,16 @@ namespace {
 constexpr long longestMessage = 32L * 1024 * 1024;
 /// Signals that nobody has asked for in so long are of no interest any more.
 constexpr std::size_t mostSignals = 256;
-/// Answers that came after their deadline.
-constexpr std::size_t mostLateReplies = 16;
 
-const BusObject busItself{DBUS_SERVICE_DBUS, DBUS_PATH_DBUS};
+BusObject busItself() { return BusObject::ours(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS); }
+
+std::string textOf(const char* text) { return text ? text : ""; }
+
+/// The library ends the process over a text that is no UTF-8.
+bool canBeSent(const BusCall::Argument& argument) {
+    const auto* text = std::get_if<std::string>(&argument);
+    return !text || dbus_validate_utf8(text->c_str(), nullptr);
+}
 
 void append(DBusMessage& message, const BusCall::Argument& argument) {
     if (const auto* text = std::get_if<std::string>(&argument)) {
@@ -33,6 +40,17 @@ void append(DBusMessage& message, const BusCall::Argument& argument) {
     }
 }
 
+BusMessage messageOf(const BusCall& call) {
+    if (!std::ranges::all_of(call.arguments, canBeSent))
+        return nullptr;
+    BusMessage message(dbus_message_new_method_call(call.object.owner().text().c_str(),
+                                                    call.object.path().c_str(), call.interface.c_str(),
+                                                    call.method.c_str()));
+    for (const auto& argument : call.arguments)
+        append(*message, argument);
+    return message;
+}
+
 } // namespace
 
 std::unique_ptr<BusConnection> BusConnection::open(const std::string& address, Deadline deadline) {
@@ -45,7 +63,7 @@ std::unique_ptr<BusConnection> BusConnection::open(const std::string& address, D
     std::unique_ptr<BusConnection> connection(new BusConnection(raw)); // its constructor is private
     dbus_connection_set_exit_on_disconnect(raw, false);
     dbus_connection_set_max_message_size(raw, longestMessage);
-    const auto hello = connection->call({busItself, DBUS_INTERFACE_DBUS, "Hello", {}}, deadline);
+    const auto hello = connection->call({busItself(), DBUS_INTERFACE_DBUS, "Hello", {}}, deadline);
     if (!hello)
         return nullptr;
     connection->name_ = BusReader(*hello).string().value_or("");
@@ -65,32 +83,32 @@ BusMessage BusConnection::call(const BusCall& call, Deadline deadline) {
 
 std::uint32_t BusConnection::send(const BusCall& call) {
     hasTimedOut_ = false;
-    const BusMessage message(dbus_message_new_method_call(call.object.owner.c_str(), call.object.path.c_str(),
-                                                          call.interface.c_str(), call.method.c_str()));
-    if (!message)
-        return 0;
-    for (const auto& argument : call.arguments)
-        append(*message, argument);
+    const auto message = messageOf(call);
     dbus_uint32_t serial = 0;
-    return dbus_connection_send(connection_.get(), message.get(), &serial) ? serial : 0;
+    if (!message || !dbus_connection_send(connection_.get(), message.get(), &serial))
+        return 0;
+    owed_.try_emplace(serial);
+    return serial;
+}
+
+void BusConnection::tell(const BusCall& call) {
+    const auto message = messageOf(call);
+    if (!message)
+        return;
+    dbus_message_set_no_reply(message.get(), true);
+    dbus_connection_send(connection_.get(), message.get(), nullptr);
 }
 
 BusMessage BusConnection::await(std::uint32_t serial, Deadline deadline) {
-    for (;;) {
-        const auto found = std::ranges::find_if(replies_, [&](const BusMessage& reply) {
-            return dbus_message_get_reply_serial(reply.get()) == serial;
-        });
-        if (found != replies_.end()) {
-            auto reply = std::move(*found);
-            replies_.erase(found);
-            const bool isError = dbus_message_get_type(reply.get()) == DBUS_MESSAGE_TYPE_ERROR;
-            return isError ? nullptr : std::move(reply);
-        }
-        hasTimedOut_ = deadline.hasPassed();
-        if (hasTimedOut_ || !dbus_connection_read_write(connection_.get(), deadline.pollTimeout()))
-            return nullptr;
+    hasTimedOut_ = false;
+    while (!owed_[serial] && !hasTimedOut_ &&
+           dbus_connection_read_write(connection_.get(), deadline.pollTimeout())) {
         readAll();
+        hasTimedOut_ = !owed_[serial] && deadline.hasPassed();
     }
+    auto reply = std::move(owed_.extract(serial).mapped());
+    const bool isError = reply && dbus_message_get_type(reply.get()) == DBUS_MESSAGE_TYPE_ERROR;
+    return isError ? nullptr : std::move(reply);
 }
 
 void BusConnection::readAll() {
@@ -98,14 +116,10 @@ void BusConnection::readAll() {
         switch (dbus_message_get_type(message.get())) {
         case DBUS_MESSAGE_TYPE_METHOD_RETURN:
         case DBUS_MESSAGE_TYPE_ERROR:
-            replies_.push_back(std::move(message));
-            if (replies_.size() > mostLateReplies)
-                replies_.pop_front();
+            keepReply(std::move(message));
             break;
         case DBUS_MESSAGE_TYPE_SIGNAL:
-            signals_.push_back(std::move(message));
-            if (signals_.size() > mostSignals)
-                signals_.pop_front();
+            keepSignal(*message);
             break;
         default: // nobody has anything to ask of us
             break;
@@ -113,25 +127,55 @@ void BusConnection::readAll() {
     }
 }
 
-void BusConnection::addMatch(const std::string& rule) {
-    (void)send({busItself, DBUS_INTERFACE_DBUS, "AddMatch", {rule}});
+void BusConnection::keepReply(BusMessage message) {
+    const auto owed = owed_.find(dbus_message_get_reply_serial(message.get()));
+    if (owed != owed_.end())
+        owed->second = std::move(message);
 }
 
-BusMessage BusConnection::takeSignal() {
+void BusConnection::keepSignal(DBusMessage& message) {
+    // Read at once: what a signal may have besides, megabytes perhaps, is not kept.
+    const auto source =
+        BusObject::from(textOf(dbus_message_get_sender(&message)), textOf(dbus_message_get_path(&message)));
+    if (!source)
+        return;
+    BusSignal signal{*source,
+                     textOf(dbus_message_get_interface(&message)),
+                     textOf(dbus_message_get_member(&message)),
+                     {},
+                     0};
+    BusReader reader(message);
+    for (auto& word : signal.words) {
+        auto next = reader.string();
+        if (!next)
+            break;
+        word = *std::move(next);
+    }
+    signal.number = reader.int32().value_or(0);
+    signals_.push_back(std::move(signal));
+    if (signals_.size() > mostSignals)
+        signals_.pop_front();
+}
+
+void BusConnection::addMatch(const std::string& rule) {
+    tell({busItself(), DBUS_INTERFACE_DBUS, "AddMatch", {rule}});
+}
+
+std::optional<BusSignal> BusConnection::takeSignal() {
     if (signals_.empty()) {
         dbus_connection_read_write(connection_.get(), 0);
         readAll();
     }
     if (signals_.empty())
-        return nullptr;
+        return std::nullopt;
     auto signal = std::move(signals_.front());
     signals_.pop_front();
     return signal;
 }
 
-std::int64_t BusConnection::processOf(const std::string& owner, Deadline deadline) {
+std::int64_t BusConnection::processOf(const BusName& owner, Deadline deadline) {
     const auto reply =
-        call({busItself, DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID", {owner}}, deadline);
+        call({busItself(), DBUS_INTERFACE_DBUS, "GetConnectionUnixProcessID", {owner.text()}}, deadline);
     return reply ? BusReader(*reply).uint32().value_or(0) : 0;
 }
 
@@ -147,10 +191,12 @@ std::optional<T> BusReader::basic(int type) {
     return value;
 }
 
-std::optional<std::string> BusReader::string() {
+std::optional<std::string> BusReader::string(std::size_t longest) {
     const auto text = is(DBUS_TYPE_OBJECT_PATH) ? basic<const char*>(DBUS_TYPE_OBJECT_PATH)
                                                 : basic<const char*>(DBUS_TYPE_STRING);
-    return text ? std::optional<std::string>(*text) : std::nullopt;
+    if (!text || strnlen(*text, longest + 1) > longest)
+        return std::nullopt;
+    return *text;
 }
 
 std::optional<std::int32_t> BusReader::int32() { return basic<std::int32_t>(DBUS_TYPE_INT32); }
@@ -177,7 +223,7 @@ std::optional<std::vector<std::uint32_t>> BusReader::uint32s() {
     if (!list)
         return std::nullopt;
     std::vector<std::uint32_t> numbers;
-    while (const auto number = list->uint32())
+    for (auto number = list->uint32(); number && numbers.size() < longestList; number = list->uint32())
         numbers.push_back(*number);
     return numbers;
 }
@@ -187,8 +233,8 @@ std::optional<std::vector<std::string>> BusReader::strings() {
     if (!list)
         return std::nullopt;
     std::vector<std::string> texts;
-    while (auto text = list->string())
-        texts.push_back(std::move(*text));
+    for (auto text = list->string(); text && texts.size() < longestList; text = list->string())
+        texts.push_back(*std::move(text));
     return texts;
 }
 
@@ -197,11 +243,12 @@ std::optional<std::vector<BusObject>> BusReader::objects() {
     if (!list)
         return std::nullopt;
     std::vector<BusObject> objects;
-    while (auto pair = list->inner(DBUS_TYPE_STRUCT)) {
-        auto owner = pair->string();
-        auto path = pair->string();
-        if (owner && path)
-            objects.push_back({std::move(*owner), std::move(*path)});
+    for (auto pair = list->inner(DBUS_TYPE_STRUCT); pair && objects.size() < longestList;
+         pair = list->inner(DBUS_TYPE_STRUCT)) {
+        const auto owner = pair->string();
+        const auto path = pair->string(BusObject::longestPath);
+        if (auto object = owner && path ? BusObject::from(*owner, *path) : std::nullopt)
+            objects.push_back(*std::move(object));
     }
     return objects;
 }

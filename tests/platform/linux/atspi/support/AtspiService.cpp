@@ -40,6 +40,22 @@ void appendVariant(DBusMessage& message, int type, const void* value) {
     dbus_message_iter_close_container(&outer, &inner);
 }
 
+void appendReferences(DBusMessage& message,
+                      const std::vector<std::pair<std::string, std::string>>& references) {
+    DBusMessageIter outer;
+    DBusMessageIter list;
+    dbus_message_iter_init_append(&message, &outer);
+    dbus_message_iter_open_container(&outer, DBUS_TYPE_ARRAY, "(ss)", &list);
+    for (const auto& [name, path] : references) {
+        DBusMessageIter pair;
+        dbus_message_iter_open_container(&list, DBUS_TYPE_STRUCT, nullptr, &pair);
+        for (const auto* text : {name.c_str(), path.c_str()})
+            dbus_message_iter_append_basic(&pair, DBUS_TYPE_STRING, &text);
+        dbus_message_iter_close_container(&list, &pair);
+    }
+    dbus_message_iter_close_container(&outer, &list);
+}
+
 void appendObjects(DBusMessage& message, const char* owner, const std::vector<std::string>& paths) {
     DBusMessageIter outer;
     DBusMessageIter list;
@@ -101,12 +117,37 @@ void AtspiService::tellFocus(bool isThere) {
     dbus_message_unref(signal);
 }
 
+void AtspiService::sendSignal(const char* interface, const char* name,
+                              const std::vector<std::string>& words) {
+    auto* const signal = dbus_message_new_signal(fieldPath, interface, name);
+    for (const auto& word : words) {
+        const auto* text = word.c_str();
+        append(*signal, DBUS_TYPE_STRING, &text);
+    }
+    dbus_connection_send(connection_, signal, nullptr);
+    dbus_message_unref(signal);
+}
+
+void AtspiService::tellDeath() {
+    const std::scoped_lock lock(mutex_);
+    const std::string name = dbus_bus_get_unique_name(connection_);
+    sendSignal(DBUS_INTERFACE_DBUS, "NameOwnerChanged", {name, name, ""});
+    dbus_connection_flush(connection_);
+}
+
+void AtspiService::flood() {
+    for (int i = 0; i < 500; ++i)
+        sendSignal("org.a11y.atspi.Event.Object", "StateChanged", {"focused", std::string(1000, 'x')});
+}
+
 void AtspiService::run() {
     for (;;) {
         {
             const std::scoped_lock lock(mutex_);
             if (isStopping_)
                 return;
+            if (state_.floods && !dbus_connection_has_messages_to_send(connection_))
+                flood();
         }
         if (!dbus_connection_read_write(connection_, 5))
             return;
@@ -126,6 +167,8 @@ void AtspiService::answer(DBusMessage& call) {
     if (state_.silent.contains(method))
         return;
     auto* const reply = dbus_message_new_method_return(&call);
+    if (state_.strange.contains(method))
+        return answerStrangely(*reply, call, method);
     if (state_.garbled.contains(method))
         return answerGarbled(*reply);
     if (state_.nonsense.contains(method)) {
@@ -136,6 +179,20 @@ void AtspiService::answer(DBusMessage& call) {
     }
     dbus_connection_send(connection_, reply, nullptr);
     dbus_message_unref(reply);
+}
+
+void AtspiService::answerStrangely(DBusMessage& reply, DBusMessage& call, const std::string& method) {
+    ++state_.strangers[method];
+    // What it was asked to write it writes: then the answer is all that is strange.
+    auto* const proper = dbus_message_copy(&reply);
+    (void)fill(*proper, call, method);
+    dbus_message_unref(proper);
+    const bool isSilent = nonsense_.below(4000) == 0;
+    if (!isSilent) {
+        nonsense_.fill(reply);
+        dbus_connection_send(connection_, &reply, nullptr);
+    }
+    dbus_message_unref(&reply);
 }
 
 void AtspiService::answerGarbled(DBusMessage& reply) {
@@ -162,6 +219,11 @@ bool AtspiService::fill(DBusMessage& reply, DBusMessage& call, const std::string
     const char* owner = dbus_bus_get_unique_name(connection_);
     if (method == "GetAddress") {
         appendText(reply, qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+    } else if (method == "GetChildren" && path != rootPath && !state_.references.empty()) {
+        auto references = state_.references;
+        if (path == "/window")
+            references.emplace_back(owner, fieldPath);
+        appendReferences(reply, references);
     } else if (method == "GetChildren") {
         const bool asksRegistry =
             path == rootPath && std::string(dbus_message_get_destination(&call)) == "org.a11y.atspi.Registry";

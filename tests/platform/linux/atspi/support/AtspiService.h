@@ -6,13 +6,14 @@
 ///     service.tellFocus(true);
 #pragma once
 
-#include <dbus/dbus.h>
+#include "tests/platform/linux/atspi/support/Nonsense.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <set>
 #include <string>
@@ -39,8 +40,13 @@ public:
         std::set<std::string> silent;       ///< Methods that are never answered.
         std::set<std::string> garbled;      ///< Methods that are answered with bytes that are no UTF-8.
         std::set<std::string> nonsense;     ///< Methods that are answered with something else.
-        std::set<std::string> lies;         ///< Methods that say yes and do nothing.
-        std::set<std::string> refuses;      ///< Methods that say no.
+        std::set<std::string> strange; ///< Methods that are answered with anything, now and then too late.
+        std::map<std::string, int> strangers; ///< How many such answers there have been.
+        /// Said to be among the children of everything: names and paths, in which is anything.
+        std::vector<std::pair<std::string, std::string>> references;
+        bool floods = false;           ///< With events that it has the focus.
+        std::set<std::string> lies;    ///< Methods that say yes and do nothing.
+        std::set<std::string> refuses; ///< Methods that say no.
         bool isEnabled = false;
         QStringList calls;
     };
@@ -54,11 +60,16 @@ public:
     [[nodiscard]] State state();
     /// The event that a field sends when it gets the keyboard, or loses it.
     void tellFocus(bool isThere);
+    /// What only the bus may say: that this application has left it.
+    void tellDeath();
 
 private:
     void run();
+    void flood();
+    void sendSignal(const char* interface, const char* name, const std::vector<std::string>& words);
     void answer(DBusMessage& call);
     void answerGarbled(DBusMessage& reply);
+    void answerStrangely(DBusMessage& reply, DBusMessage& call, const std::string& method);
     bool fill(DBusMessage& reply, DBusMessage& call, const std::string& method);
     void property(DBusMessage& reply, DBusMessage& call);
     bool write(DBusMessage& call, const std::string& method);
@@ -67,6 +78,7 @@ private:
 
     std::mutex mutex_;
     State state_;
+    Nonsense nonsense_{1};
     DBusConnection* connection_ = nullptr;
     bool isStopping_ = false;
     std::thread thread_;
