@@ -1,5 +1,7 @@
 #include "platform/linux/Applications.h"
 
+#include "text/ForeignText.h"
+
 #include <QFileInfo>
 #include <QHash>
 
@@ -22,6 +24,11 @@ const Row* find(const QString& name) {
     return name.isEmpty() ? nullptr : index.value(name.toLower(), nullptr);
 }
 
+Identity strangerCalled(const QString& name) {
+    const auto fit = ForeignText::oneLine(name, ForeignText::longestName);
+    return {fit, fit};
+}
+
 } // namespace
 
 std::optional<Identity> identify(const Traces& traces) {
@@ -33,7 +40,7 @@ std::optional<Identity> identify(const Traces& traces) {
             return Identity{QString::fromLatin1(row->bundleIdentifier), QString::fromLatin1(row->kin)};
     for (const auto& name : names)
         if (!name.isEmpty())
-            return Identity{name, name};
+            return strangerCalled(name);
     return std::nullopt;
 }
 

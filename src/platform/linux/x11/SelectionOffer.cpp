@@ -14,6 +14,9 @@ using namespace std::chrono_literals;
 constexpr std::size_t largestPiece = 256 * 1024;
 /// A requestor that takes no piece for so long is given up.
 constexpr auto transferPatience = 10s;
+/// More than ask at a time on any desktop, clipboard managers included.
+constexpr std::size_t mostTransfers = 64;
+constexpr std::size_t mostRequestors = 64;
 
 bool isMark(const PasteboardEntry& entry) {
     return entry.type == transientType || entry.type == concealedType ||
@@ -110,7 +113,7 @@ void SelectionOffer::answer(const xcb_selection_request_event_t& request) {
     const auto property = request.property == XCB_ATOM_NONE ? request.target : request.property;
     const bool isCurrent = offer_ && ServerTime::means(request.time, offer_->since,
                                                        std::chrono::steady_clock::now() - offer_->ownedSince);
-    if (isCurrent && offer_->countsFetches)
+    if (isCurrent && offer_->countsFetches && offer_->requestors.size() < mostRequestors)
         offer_->requestors.insert(request.requestor);
     const bool isDone = isCurrent && (request.target == atom("MULTIPLE")
                                           ? convertMultiple(request.requestor, property)
@@ -178,6 +181,8 @@ void SelectionOffer::sendEntry(xcb_window_t requestor, xcb_atom_t property, cons
 void SelectionOffer::beginTransfer(xcb_window_t requestor, xcb_atom_t property, const PasteboardEntry& entry,
                                    xcb_atom_t valueType) {
     dropStalled();
+    if (transfers_.size() >= mostTransfers)
+        transfers_.erase(longestIdle());
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, requestor, XCB_CW_EVENT_MASK, &events);
     const auto size = static_cast<std::uint32_t>(entry.data.size());
@@ -218,6 +223,11 @@ void SelectionOffer::forget(xcb_window_t requestor) {
 
 void SelectionOffer::dropStalled() {
     std::erase_if(transfers_, [](const auto& transfer) { return transfer.second.idle.hasPassed(); });
+}
+
+SelectionOffer::Transfers::iterator SelectionOffer::longestIdle() {
+    return std::ranges::min_element(transfers_, {},
+                                    [](const auto& transfer) { return transfer.second.idle.time(); });
 }
 
 void SelectionOffer::delivered(xcb_window_t requestor, const Offer& offer, const PasteboardEntry& entry) {

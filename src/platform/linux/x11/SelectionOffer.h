@@ -52,6 +52,7 @@ private:
         Deadline idle;
     };
     using TransferKey = std::pair<xcb_window_t, xcb_atom_t>;
+    using Transfers = std::map<TransferKey, Transfer>;
 
     void handle(const xcb_generic_event_t& event);
     void answer(const xcb_selection_request_event_t& request);
@@ -63,6 +64,7 @@ private:
     void sendPiece(const TransferKey& key);
     void forget(xcb_window_t requestor);
     void dropStalled();
+    [[nodiscard]] Transfers::iterator longestIdle();
     void delivered(xcb_window_t requestor, const Offer& offer, const PasteboardEntry& entry);
     [[nodiscard]] std::vector<xcb_atom_t> targets();
     [[nodiscard]] xcb_atom_t atom(const QByteArray& name);
@@ -74,7 +76,7 @@ private:
     xcb_window_t window_;
     std::size_t pieceBytes_;
     std::shared_ptr<Offer> offer_;
-    std::map<TransferKey, Transfer> transfers_;
+    Transfers transfers_;
     Subscription listening_;
 };
 

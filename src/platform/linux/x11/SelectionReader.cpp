@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <set>
 
 namespace velorin {
 
@@ -62,7 +63,7 @@ void SelectionReader::handle(const xcb_generic_event_t& event) {
 
 std::optional<PasteboardContents> SelectionReader::readAll() {
     PasteboardEntry list;
-    const auto outcome = convert(loop_.connection().atom("TARGETS"), list);
+    const auto outcome = convert(loop_.connection().atom("TARGETS"), list, mostForms * sizeof(xcb_atom_t));
     if (outcome == Outcome::failed)
         return std::nullopt;
     // An owner from before there were lists gives text when it is asked for text.
@@ -107,7 +108,8 @@ std::optional<PasteboardEntry> SelectionReader::readFirst(const std::vector<QByt
     return std::nullopt;
 }
 
-SelectionReader::Outcome SelectionReader::convert(xcb_atom_t target, PasteboardEntry& entry) {
+SelectionReader::Outcome SelectionReader::convert(xcb_atom_t target, PasteboardEntry& entry,
+                                                  std::size_t most) {
     const auto property = loop_.connection().atom(transferProperty);
     notify_.reset();
     xcb_convert_selection(connection_, window_, selection_, target, property, time_);
@@ -119,35 +121,38 @@ SelectionReader::Outcome SelectionReader::convert(xcb_atom_t target, PasteboardE
     if (notify_->property == XCB_ATOM_NONE)
         return Outcome::refused;
     newPieces_ = 0; // what the property's own arrival counted
-    const auto value = takeProperty(property);
+    const auto value = takeProperty(property, most);
     if (!value)
         return Outcome::failed;
     if (value->type == XCB_ATOM_NONE)
         return Outcome::refused;
     if (value->type == loop_.connection().atom("INCR"))
-        return receivePieces(property, entry);
-    return append(*value, entry) ? Outcome::given : Outcome::failed;
+        return receivePieces(property, entry, most);
+    return append(*value, entry, most) ? Outcome::given : Outcome::failed;
 }
 
-XcbPtr<xcb_get_property_reply_t> SelectionReader::takeProperty(xcb_atom_t property) {
+XcbPtr<xcb_get_property_reply_t> SelectionReader::takeProperty(xcb_atom_t property, std::size_t most) {
     // Read and deleted in one; the owner of pieces takes the deletion as a call for the next one.
     return loop_.connection().reply<xcb_get_property_reply_t>(
-        xcb_get_property(connection_, true, window_, property, XCB_ATOM_ANY, 0, largestContents / 4),
+        xcb_get_property(connection_, true, window_, property, XCB_ATOM_ANY, 0,
+                         static_cast<std::uint32_t>(most / 4)),
         deadline_);
 }
 
-SelectionReader::Outcome SelectionReader::receivePieces(xcb_atom_t property, PasteboardEntry& entry) {
+SelectionReader::Outcome SelectionReader::receivePieces(xcb_atom_t property, PasteboardEntry& entry,
+                                                        std::size_t most) {
     isOwnerBusy_ = true;
     for (;;) {
-        if (!await([this] { return newPieces_ > 0; }))
+        // The next piece may be there already, time and again: the deadline is looked at all the same.
+        if (deadline_.hasPassed() || !await([this] { return newPieces_ > 0; }))
             return Outcome::failed;
         newPieces_ = 0;
-        const auto piece = takeProperty(property);
+        const auto piece = takeProperty(property, most);
         if (!piece)
             return Outcome::failed;
         if (piece->type == XCB_ATOM_NONE)
             continue; // told twice of the same piece
-        if (!append(*piece, entry))
+        if (!append(*piece, entry, most))
             return Outcome::failed;
         if (xcb_get_property_value_length(piece.get()) == 0) {
             isOwnerBusy_ = false;
@@ -156,10 +161,11 @@ SelectionReader::Outcome SelectionReader::receivePieces(xcb_atom_t property, Pas
     }
 }
 
-bool SelectionReader::append(const xcb_get_property_reply_t& piece, PasteboardEntry& entry) {
+bool SelectionReader::append(const xcb_get_property_reply_t& piece, PasteboardEntry& entry,
+                             std::size_t most) {
     const auto bytes = static_cast<std::size_t>(xcb_get_property_value_length(&piece));
     total_ += bytes;
-    if (piece.bytes_after > 0 || total_ > largestContents)
+    if (piece.bytes_after > 0 || total_ > most)
         return false;
     if (entry.valueType.isEmpty())
         entry.valueType = QByteArray::fromStdString(loop_.connection().atomName(piece.type, deadline_));
@@ -175,11 +181,9 @@ std::vector<xcb_atom_t> SelectionReader::targetsIn(const PasteboardEntry& list) 
     std::vector<xcb_atom_t> targets(static_cast<std::size_t>(list.data.size()) / sizeof(xcb_atom_t));
     if (!targets.empty())
         std::memcpy(targets.data(), list.data.constData(), targets.size() * sizeof(xcb_atom_t));
-    std::vector<xcb_atom_t> unique;
-    for (const auto target : targets)
-        if (target != XCB_ATOM_NONE && std::ranges::find(unique, target) == unique.end())
-            unique.push_back(target);
-    return unique;
+    std::set<xcb_atom_t> seen{XCB_ATOM_NONE};
+    std::erase_if(targets, [&](xcb_atom_t target) { return !seen.insert(target).second; });
+    return targets;
 }
 
 } // namespace velorin

@@ -11,6 +11,8 @@ class SelectionReader final {
 public:
     /// More than this is not taken into memory.
     static constexpr std::size_t largestContents = 64UL * 1024 * 1024;
+    /// No program offers more forms than a few dozen; who does is not listened to.
+    static constexpr std::size_t mostForms = 1024;
 
     /// Gives up as soon as `isStale` says that what it reads is no longer what there is.
     SelectionReader(
@@ -22,7 +24,7 @@ public:
 
     /// All forms but those that are no content: questions about the selection, orders to its owner, numbers
     /// of resources in the server, images that a toolkit hands to itself. A form that the owner refuses is
-    /// left out. Nothing when the deadline passed or the limit was reached.
+    /// left out. Nothing when the deadline passed or a limit was reached.
     [[nodiscard]] std::optional<PasteboardContents> readAll();
 
     /// The first of these forms that the owner gives.
@@ -33,10 +35,13 @@ private:
 
     [[nodiscard]] bool await(const std::function<bool()>& isDone);
     void handle(const xcb_generic_event_t& event);
-    [[nodiscard]] Outcome convert(xcb_atom_t target, PasteboardEntry& entry);
-    [[nodiscard]] XcbPtr<xcb_get_property_reply_t> takeProperty(xcb_atom_t property);
-    [[nodiscard]] Outcome receivePieces(xcb_atom_t property, PasteboardEntry& entry);
-    [[nodiscard]] bool append(const xcb_get_property_reply_t& piece, PasteboardEntry& entry);
+    /// `most` is what all that is read so far and this may have, in bytes.
+    [[nodiscard]] Outcome convert(xcb_atom_t target, PasteboardEntry& entry,
+                                  std::size_t most = largestContents);
+    [[nodiscard]] XcbPtr<xcb_get_property_reply_t> takeProperty(xcb_atom_t property, std::size_t most);
+    [[nodiscard]] Outcome receivePieces(xcb_atom_t property, PasteboardEntry& entry, std::size_t most);
+    [[nodiscard]] bool append(const xcb_get_property_reply_t& piece, PasteboardEntry& entry,
+                              std::size_t most);
     [[nodiscard]] std::vector<xcb_atom_t> targetsIn(const PasteboardEntry& list) const;
 
     XEventLoop& loop_;

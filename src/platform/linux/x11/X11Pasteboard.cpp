@@ -14,6 +14,8 @@ using namespace std::chrono_literals;
 constexpr auto workDeadline = 2 * serverDeadline;
 /// What the thread leaves of a deadline for its answer to reach the caller.
 constexpr auto handing = 10ms;
+/// Nobody reads a text more often than that.
+constexpr std::size_t mostFetches = 1000;
 } // namespace
 
 X11Pasteboard::X11Pasteboard() {
@@ -31,7 +33,9 @@ void X11Pasteboard::run() {
     if (const auto connection = XConnection::open()) {
         ClipboardLoop loop(*connection, [this](PasteboardSelection selection, const PasteboardFetch& fetch) {
             const std::scoped_lock lock(fetchesMutex_);
-            fetches_[indexOf(selection)].push_back(fetch);
+            auto& fetches = fetches_[indexOf(selection)];
+            if (fetches.size() < mostFetches)
+                fetches.push_back(fetch);
             fetched_.notify_all();
         });
         if (loop.isUsable())

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/X11Windows.h"
 
 #include "platform/linux/Applications.h"
+#include "text/ForeignText.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -14,13 +15,20 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr std::uint32_t longestProperty = 4096; // in units of four bytes
+/// A list of windows may be long; the topmost come last.
+constexpr std::uint32_t mostWindows = 65536;
+constexpr qsizetype longestTitle = 1024;
 
 std::vector<std::uint32_t> numbersOf(const QByteArray& bytes) {
     std::vector<std::uint32_t> numbers(static_cast<std::size_t>(bytes.size()) / sizeof(std::uint32_t));
     if (!numbers.empty())
         std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(std::uint32_t));
     return numbers;
+}
+
+/// A window says of itself whatever it likes.
+QString nameOf(const QByteArray& told) {
+    return ForeignText::oneLine(QString::fromUtf8(told), ForeignText::longestName);
 }
 
 std::optional<QString> presentOrNothing(const QString& text) {
@@ -71,11 +79,11 @@ RunningApplication X11Windows::applicationOf(xcb_window_t window, Deadline deadl
     application.executablePath = QFile::symLinkTarget(u"/proc/"_s + process + u"/exe"_s);
     const auto names = property(window, "WM_CLASS", deadline).split('\0');
     Applications::Traces traces;
-    traces.windowInstance = QString::fromUtf8(names.value(0));
-    traces.windowClass = QString::fromUtf8(names.value(1));
-    traces.applicationId = QString::fromUtf8(property(window, "_GTK_APPLICATION_ID", deadline));
+    traces.windowInstance = nameOf(names.value(0));
+    traces.windowClass = nameOf(names.value(1));
+    traces.applicationId = nameOf(property(window, "_GTK_APPLICATION_ID", deadline));
     if (traces.applicationId.isEmpty())
-        traces.applicationId = QString::fromUtf8(property(window, "_KDE_NET_WM_DESKTOP_FILE", deadline));
+        traces.applicationId = nameOf(property(window, "_KDE_NET_WM_DESKTOP_FILE", deadline));
     traces.executable = application.executablePath;
     if (const auto identity = Applications::identify(traces)) {
         application.bundleIdentifier = identity->bundleIdentifier;
@@ -162,7 +170,7 @@ std::optional<QString> X11Windows::titleOf(const RunningApplication& application
     auto title = QString::fromUtf8(property(window, "_NET_WM_NAME", deadline));
     if (title.isEmpty())
         title = QString::fromUtf8(property(window, "WM_NAME", deadline));
-    return presentOrNothing(title);
+    return presentOrNothing(ForeignText::oneLine(title, longestTitle));
 }
 
 xcb_window_t X11Windows::windowOf(const RunningApplication& application, Deadline deadline) {
@@ -171,8 +179,11 @@ xcb_window_t X11Windows::windowOf(const RunningApplication& application, Deadlin
 }
 
 xcb_window_t X11Windows::topmostWindowOf(qint64 process, Deadline deadline) {
-    auto windows = numbersOf(property(connection_->root(), "_NET_CLIENT_LIST_STACKING", deadline));
-    for (auto window = windows.rbegin(); window != windows.rend() && process != 0; ++window)
+    const auto windows =
+        numbersOf(property(connection_->root(), "_NET_CLIENT_LIST_STACKING", deadline, mostWindows));
+    const bool isKnown = process != 0;
+    for (auto window = windows.rbegin(); window != windows.rend() && isKnown && !deadline.hasPassed();
+         ++window)
         if (processOf(*window, deadline) == process)
             return *window;
     return XCB_WINDOW_NONE;
@@ -185,10 +196,11 @@ qint64 X11Windows::processOf(xcb_window_t window, Deadline deadline) {
     return numberIn(window, "_NET_WM_PID", deadline);
 }
 
-QByteArray X11Windows::property(xcb_window_t window, const char* name, Deadline deadline) {
+QByteArray X11Windows::property(xcb_window_t window, const char* name, Deadline deadline,
+                                std::uint32_t longest) {
     const auto answer = connection_->reply<xcb_get_property_reply_t>(
         xcb_get_property(connection_->get(), false, window, connection_->atom(name), XCB_ATOM_ANY, 0,
-                         longestProperty),
+                         longest),
         deadline);
     if (!answer)
         return {};

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] std::optional<QString> titleOf(const RunningApplication& application);
 
 private:
+    static constexpr std::uint32_t longestProperty = 4096;
+
     [[nodiscard]] xcb_window_t windowOf(const RunningApplication& application, Deadline deadline);
     void listenToRoot(std::uint32_t events);
     [[nodiscard]] bool lookUntilFront(const RunningApplication& application, Deadline deadline);
@@ -36,7 +38,9 @@ private:
     [[nodiscard]] RunningApplication applicationOf(xcb_window_t window, Deadline deadline);
     [[nodiscard]] xcb_window_t topmostWindowOf(qint64 process, Deadline deadline);
     [[nodiscard]] qint64 processOf(xcb_window_t window, Deadline deadline);
-    [[nodiscard]] QByteArray property(xcb_window_t window, const char* name, Deadline deadline);
+    /// The first of it: `longest` in units of four bytes.
+    [[nodiscard]] QByteArray property(xcb_window_t window, const char* name, Deadline deadline,
+                                      std::uint32_t longest = longestProperty);
     [[nodiscard]] std::uint32_t numberIn(xcb_window_t window, const char* name, Deadline deadline);
 
     std::unique_ptr<XConnection> connection_;

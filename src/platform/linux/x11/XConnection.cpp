@@ -110,15 +110,17 @@ bool XConnection::hasAnswer(unsigned sequence, void*& answer) const {
 
 void* XConnection::awaitReply(unsigned sequence, Deadline deadline) const {
     flush();
-    for (;;) {
+    for (bool isLastLook = false;;) {
         void* answer = nullptr;
         if (hasAnswer(sequence, answer))
             return answer;
         pollfd waiting{fileDescriptor(), POLLIN, 0};
-        if (isBroken() || poll(&waiting, 1, deadline.pollTimeout()) == 0) {
+        if (isBroken() || isLastLook || poll(&waiting, 1, deadline.pollTimeout()) == 0) {
             xcb_discard_reply(get(), sequence);
             return nullptr;
         }
+        // There may always be something to read that is not the answer.
+        isLastLook = deadline.hasPassed();
     }
 }
 

@@ -42,8 +42,20 @@ Subscription XEventLoop::listen(Listener listener) {
 }
 
 void XEventLoop::drain() {
-    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
+    // Read once: a client that sends without end would keep us here.
+    XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())};
+    for (; event; event.reset(xcb_poll_for_queued_event(connection_.get())))
         handle(*event);
+}
+
+bool XEventLoop::handleSome() {
+    for (int i = 0; i < mostAtATime; ++i) {
+        const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())};
+        if (!event)
+            return false;
+        handle(*event);
+    }
+    return true;
 }
 
 void XEventLoop::handle(const xcb_generic_event_t& event) {
@@ -60,12 +72,14 @@ void XEventLoop::handle(const xcb_generic_event_t& event) {
 
 bool XEventLoop::waitFor(const std::function<bool()>& isDone, Deadline deadline) {
     for (;;) {
-        drain();
+        const bool isMoreThere = handleSome();
         if (isDone())
             return true;
         if (connection_.isBroken() || deadline.hasPassed())
             return false;
         connection_.flush();
+        if (isMoreThere)
+            continue;
         pollfd waiting{connection_.fileDescriptor(), POLLIN, 0};
         poll(&waiting, 1, deadline.pollTimeout());
     }

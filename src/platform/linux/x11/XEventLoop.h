@@ -29,7 +29,7 @@ public:
 
     [[nodiscard]] Subscription listen(Listener listener);
 
-    /// Handles all events that have arrived.
+    /// Handles all events that have arrived by now, however many more are on their way.
     void drain();
 
     /// Handles events until `isDone`, asked after each round. False when the deadline passes or the server
@@ -52,8 +52,12 @@ public:
 
 private:
     static constexpr std::size_t mostRetired = 8;
+    /// After so many events one looks whether they were enough.
+    static constexpr int mostAtATime = 64;
 
     void handle(const xcb_generic_event_t& event);
+    /// False when there are no more.
+    bool handleSome();
     void destroyIfRetired(xcb_window_t window);
 
     XConnection& connection_;

@@ -174,6 +174,69 @@ TEST_F(X11PasteboardTest, DeclinesAnEndlessTransfer) {
     EXPECT_EQ(pasteboard.save(clipboard, 300ms), std::nullopt);
 }
 
+/// How long it takes until nothing was saved and the thread is back, to answer something else.
+std::chrono::steady_clock::duration timeOfSaving(X11Pasteboard& pasteboard) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(pasteboard.save(clipboard, 300ms), std::nullopt);
+    (void)pasteboard.changeCount(clipboard);
+    return std::chrono::steady_clock::now() - start;
+}
+
+TEST_F(X11PasteboardTest, DeclinesTwoHundredThousandFormsAtOnce) {
+    TestOwnerHabits habits;
+    habits.invented = 200'000;
+    const TestOwner owner("CLIPBOARD", textAndImage(), habits);
+    EXPECT_LT(timeOfSaving(pasteboard), 300ms);
+    EXPECT_TRUE(owner.isOwner());
+}
+
+TEST_F(X11PasteboardTest, SeveralHundredFormsThatAreNoneDoNotHideThoseThatAreSome) {
+    TestOwnerHabits habits;
+    habits.invented = 900;
+    const TestOwner owner("CLIPBOARD", {{"UTF8_STRING", "UTF8_STRING", 8, "text"}}, habits);
+    const auto saved = pasteboard.save(clipboard, 5s);
+    ASSERT_TRUE(saved);
+    EXPECT_THAT(*saved, testing::Contains(PasteboardEntry{"UTF8_STRING", "UTF8_STRING", 8, "text"}));
+}
+
+TEST_F(X11PasteboardTest, PiecesThatComeFasterThanTheyAreReadEndWithTheDeadline) {
+    TestOwnerHabits habits;
+    habits.pushes = true;
+    const TestOwner owner("CLIPBOARD", {{"image/png", "image/png", 8, noise(100'000)}}, habits);
+    EXPECT_LT(timeOfSaving(pasteboard), 450ms);
+}
+
+/// Sends a message that means nothing to every window there is, again and again.
+void flood(const std::atomic<bool>& isOver) {
+    const auto connection = XConnection::open();
+    while (!isOver && connection) {
+        const auto tree = connection->reply<xcb_query_tree_reply_t>(
+            xcb_query_tree(connection->get(), connection->root()), Deadline(5s));
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        for (int i = 0; tree && i < 200 * xcb_query_tree_children_length(tree.get()); ++i) {
+            message.window = xcb_query_tree_children(tree.get())[i / 200];
+            xcb_send_event(connection->get(), false, message.window, XCB_EVENT_MASK_NO_EVENT,
+                           reinterpret_cast<const char*>(&message));
+        }
+        connection->sync(Deadline(5s));
+    }
+}
+
+TEST_F(X11PasteboardTest, AFloodOfMessagesKeepsNobodyWaiting) {
+    TestOwnerHabits habits;
+    habits.hangs = true;
+    const TestOwner owner("CLIPBOARD", textAndImage(), habits);
+    std::atomic<bool> isOver = false;
+    std::thread flooding([&] { flood(isOver); });
+    for (int i = 0; i < 5; ++i)
+        EXPECT_LT(timeOfSaving(pasteboard), 1s) << "the server has its hands full as well";
+    isOver = true;
+    flooding.join();
+    EXPECT_TRUE(eventually([&] { return pasteboard.write(clipboard, u"text"_s).has_value(); }));
+}
+
 TEST_F(X11PasteboardTest, DeclinesWhatIsTooLarge) {
     const TestOwner owner("CLIPBOARD", {{"image/bmp", "image/bmp", 8, noise(65 * 1024 * 1024)}});
     EXPECT_EQ(pasteboard.save(clipboard, 30s), std::nullopt);

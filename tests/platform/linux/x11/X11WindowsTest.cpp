@@ -133,6 +133,50 @@ TEST(X11Windows, ReadsTheTitleOfTheWindow) {
     EXPECT_EQ(windows.titleOf(browser), u"Inbox — Gmail"_s);
 }
 
+TEST(X11Windows, NamesAndTitlesOfMegabytesAreShortLines) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow window("app", "App");
+    std::string hostile;
+    while (hostile.size() < 16'000'000)
+        hostile += "\x1b]0;\x07\r\n\xff\xe2\x80\xae";
+    std::string names("a\nb\0", 4);
+    window.setProperty("WM_CLASS", "STRING", names + hostile);
+    window.setProperty("_NET_WM_NAME", "UTF8_STRING", hostile);
+    window.setProperty("_NET_WM_ICON", "CARDINAL", hostile);
+    window.focus();
+    const auto start = std::chrono::steady_clock::now();
+    const auto front = windows.frontmostApplication();
+    ASSERT_TRUE(front);
+    const auto title = windows.titleOf(*front);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 300ms);
+    ASSERT_TRUE(front->bundleIdentifier && title);
+    EXPECT_LE(front->bundleIdentifier->size(), 128);
+    EXPECT_LE(title->size(), 1024);
+    for (const auto& text : {*front->bundleIdentifier, *front->localizedName, *title})
+        EXPECT_TRUE(std::ranges::all_of(text, [](QChar c) { return c.isPrint(); })) << qPrintable(text);
+}
+
+TEST(X11Windows, FindsTheTopmostOfTenThousandWindows) {
+    PrivateServer server;
+    X11Windows windows;
+    TestWindow window("app", "App");
+    std::vector<std::uint32_t> list(10'000, 1);
+    list.back() = window.id();
+    xcb_change_property(window.connection().get(), XCB_PROP_MODE_REPLACE, window.connection().root(),
+                        window.connection().atom("_NET_CLIENT_LIST_STACKING"), XCB_ATOM_WINDOW, 32,
+                        static_cast<std::uint32_t>(list.size()), list.data());
+    window.setProperty("WM_NAME", "STRING", "the topmost");
+    window.connection().sync(Deadline(5s));
+    RunningApplication application;
+    application.processIdentifier = getpid();
+    EXPECT_EQ(windows.titleOf(application), u"the topmost"_s);
+    application.processIdentifier = 1;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(windows.titleOf(application), std::nullopt);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
+}
+
 TEST(X11Windows, SeesNobodyWithoutAServer) {
     unsetenv("DISPLAY");
     X11Windows windows;

@@ -43,6 +43,10 @@ void TestOwner::run() {
         if (!connection_)
             return;
         answers_ = requests_;
+        if (isPushing_) {
+            pushPieces();
+            continue;
+        }
         connection_->flush();
         std::array<pollfd, 2> waiting{
             {{connection_->fileDescriptor(), POLLIN, 0}, {wakeUp_.fileDescriptor(), POLLIN, 0}}};
@@ -93,6 +97,8 @@ bool TestOwner::convert(const xcb_selection_request_event_t& request) {
                                       connection_->atom("DELETE"), connection_->atom("SAVE_TARGETS")};
         for (const auto& entry : contents_)
             atoms.push_back(connection_->atom(view(entry.type)));
+        for (std::uint32_t i = 0; i < habits_.invented; ++i)
+            atoms.push_back(1 + i);
         xcb_change_property(c, XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM, 32,
                             static_cast<std::uint32_t>(atoms.size()), atoms.data());
         return true;
@@ -101,7 +107,7 @@ bool TestOwner::convert(const xcb_selection_request_event_t& request) {
         if (request.target != connection_->atom(view(entry.type)))
             continue;
         const auto bytes = static_cast<std::size_t>(entry.data.size());
-        if (bytes <= habits_.pieceBytes && !habits_.isEndless) {
+        if (bytes <= habits_.pieceBytes && !habits_.isEndless && !habits_.pushes) {
             xcb_change_property(
                 c, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
                 connection_->atom(view(entry.valueType)), static_cast<std::uint8_t>(entry.unitBits),
@@ -120,6 +126,14 @@ bool TestOwner::convert(const xcb_selection_request_event_t& request) {
     return false;
 }
 
+void TestOwner::pushPieces() {
+    const auto& transfer = transfers_.front();
+    for (int i = 0; i < 20; ++i)
+        xcb_change_property(connection_->get(), XCB_PROP_MODE_REPLACE, transfer.requestor, transfer.property,
+                            connection_->atom(view(transfer.entry->valueType)), 8, 4, "abcd");
+    connection_->sync(Deadline(std::chrono::seconds(5)));
+}
+
 void TestOwner::sendPiece(const xcb_property_notify_event_t& notify) {
     if (notify.state != XCB_PROPERTY_DELETE)
         return;
@@ -131,6 +145,7 @@ void TestOwner::sendPiece(const xcb_property_notify_event_t& notify) {
         xcb_change_property(connection_->get(), XCB_PROP_MODE_REPLACE, it->requestor, it->property,
                             connection_->atom(view(it->entry->valueType)), 8,
                             static_cast<std::uint32_t>(bytes), it->entry->data.constData() + it->sent);
+        isPushing_ = habits_.pushes;
         if (!habits_.isEndless)
             it->sent += bytes;
         if (bytes == 0)

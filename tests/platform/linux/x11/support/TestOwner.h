@@ -19,6 +19,10 @@ struct TestOwnerHabits {
     bool hangs = false;
     /// Pieces without end.
     bool isEndless = false;
+    /// After the first piece the others without end, though nobody has asked for them.
+    bool pushes = false;
+    /// Says to have so many forms besides, which it does not know itself.
+    std::uint32_t invented = 0;
     /// Goes away at the request with this number, counted from 0.
     int diesAtRequest = -1;
 };
@@ -48,6 +52,7 @@ private:
     void run();
     void handle(const xcb_generic_event_t& event);
     bool convert(const xcb_selection_request_event_t& request);
+    void pushPieces();
     void sendPiece(const xcb_property_notify_event_t& notify);
 
     std::unique_ptr<XConnection> connection_;
@@ -56,6 +61,7 @@ private:
     PasteboardContents contents_;
     TestOwnerHabits habits_;
     std::vector<Piecewise> transfers_;
+    bool isPushing_ = false;
     int requests_ = 0;
     std::atomic<int> answers_ = 0;
     std::atomic<int> errors_ = 0;
