@@ -21,6 +21,18 @@ target_compile_definitions(velorin_flags INTERFACE
     UNISTR_FROM_CHAR_EXPLICIT=explicit
     UNISTR_FROM_STRING_EXPLICIT=explicit)
 
+# What is released defends itself: against overflows of the stack and of known buffers, and with tables and
+# jumps that cannot be turned elsewhere. The sanitizers watch over the same and want to see it happen.
+add_library(velorin_hardened_flags INTERFACE)
+target_compile_options(velorin_hardened_flags INTERFACE -fstack-protector-strong -fstack-clash-protection
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+  target_compile_options(velorin_hardened_flags INTERFACE -fcf-protection)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+  target_compile_options(velorin_hardened_flags INTERFACE -mbranch-protection=standard)
+endif()
+target_link_options(velorin_hardened_flags INTERFACE -pie -Wl,-z,relro,-z,now)
+
 # The two ways in which unit tests are built besides the plain one.
 add_library(velorin_checked_flags INTERFACE)
 target_compile_options(velorin_checked_flags INTERFACE
@@ -41,6 +53,9 @@ function(velorin_add_variant target suffix flags)
   set_target_properties(${target} PROPERTIES AUTOMOC ${ARG_MOC} AUTORCC ${ARG_MOC})
   # The flags of a variant stay with its sources; what links it needs the run time only.
   target_link_libraries(${target} PUBLIC velorin_flags ${ARG_LINKS} PRIVATE ${flags})
+  if(flags STREQUAL velorin_hardened_flags)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  endif()
   if(ARG_PCH)
     target_precompile_headers(${target} PRIVATE ${CMAKE_SOURCE_DIR}/${ARG_PCH})
   endif()
@@ -57,13 +72,32 @@ endfunction()
 function(velorin_library name)
   cmake_parse_arguments(ARG "MOC;TSAN" "PCH" "SOURCES;DEPENDS;LINKS" ${ARGN})
   list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
-  velorin_add_variant(velorin_${name} "" "")
+  velorin_add_variant(velorin_${name} "" velorin_hardened_flags)
   if(VELORIN_TESTS)
     velorin_add_variant(velorin_${name}_checked _checked velorin_checked_flags)
     if(ARG_TSAN)
       velorin_add_variant(velorin_${name}_tsan _tsan velorin_tsan_flags)
     endif()
   endif()
+endfunction()
+
+# velorin_executable(name SOURCES … [LINKS …] [FOLDER folder])
+#
+# A program as it is released, in this folder of the build tree and of the installation; without one, where the
+# programs are.
+function(velorin_executable name)
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_FOLDER)
+    set(ARG_FOLDER bin)
+  endif()
+  cmake_path(RELATIVE_PATH VELORIN_RUNTIME_FOLDER BASE_DIRECTORY ${ARG_FOLDER} OUTPUT_VARIABLE to_runtime)
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES
+      POSITION_INDEPENDENT_CODE ON
+      RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${ARG_FOLDER}
+      INSTALL_RPATH "$ORIGIN/${to_runtime}"
+      BUILD_WITH_INSTALL_RPATH ON)
+  target_link_libraries(${name} PRIVATE velorin_flags velorin_hardened_flags ${ARG_LINKS})
 endfunction()
 
 # velorin_test(name SOURCES … [DEPENDS velorin libraries] [LINKS …] [MOC] [TSAN] [LABEL label] [PCH header])
