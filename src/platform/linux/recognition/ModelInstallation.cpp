@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/UsersMask.h"
+#include "text/ForeignText.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -26,6 +27,14 @@ QString trialProgram() {
     return {};
 }
 
+/// Of all that it says, only this is its own: the rest comes from the run time, and from the file on trial.
+void tellWhatItLacked(const QByteArray& words) {
+    for (const auto& line : words.left(4096).split('\n'))
+        if (line.startsWith("velorin-model-check: with"))
+            qCWarning(speechLog).noquote()
+                << ForeignText::oneLine(QString::fromUtf8(line), ForeignText::longestName);
+}
+
 } // namespace
 
 bool ModelInstallation::loadsInAnotherProcess(const QString& folder, const Model& model) {
@@ -37,6 +46,7 @@ bool ModelInstallation::loadsInAnotherProcess(const QString& folder, const Model
     if (!hasEnded)
         trial.kill();
     const bool isGood = hasEnded && trial.exitStatus() == QProcess::NormalExit && trial.exitCode() == 0;
+    tellWhatItLacked(trial.readAll());
     if (!isGood)
         qCWarning(speechLog).noquote() << "model" << model.id << "does not load";
     return isGood;
