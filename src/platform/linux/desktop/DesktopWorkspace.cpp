@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/DesktopWorkspace.h"
 
-#include "platform/UsersMask.h"
+#include "platform/linux/ChildSetup.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -24,9 +24,13 @@ bool call(const QString& service, const QString& path, const QString& interface,
            QDBusMessage::ReplyMessage;
 }
 
-/// A program that goes on without us, and writes as the user wants it.
+/// A program that goes on without us.
 void startForTheUser(const QString& program, const QStringList& arguments) {
-    UsersMask::onThreadOfItsOwn([&] { QProcess::startDetached(program, arguments); });
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+    process.setChildProcessModifier(&beAsTheUserStartsIt);
+    process.startDetached();
 }
 
 } // namespace

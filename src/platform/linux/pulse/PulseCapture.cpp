@@ -1,6 +1,6 @@
 #include "platform/linux/pulse/PulseCapture.h"
 
-#include "platform/UsersMask.h"
+#include "platform/linux/ChildSetup.h"
 
 #include <cstring>
 
@@ -62,7 +62,7 @@ bool PulseCapture::connect(PulseLoop::Time deadline) {
     context_.reset(pa_context_new_with_proplist(loop_.api(), "Velorin", properties().get()));
     pa_context_set_state_callback(context_.get(), &onContextState, this);
     // A sound server that does not run is started by the library.
-    const pa_spawn_api ofTheUser{nullptr, nullptr, &UsersMask::giveBack};
+    const pa_spawn_api ofTheUser{nullptr, nullptr, &beAsTheUserStartsIt};
     if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, &ofTheUser) < 0)
         return false;
     loop_.runUntil(
