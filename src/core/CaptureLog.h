@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/LineCounter.h"
+#include "platform/RunningApplication.h"
 
 #include <QByteArray>
 #include <QFutureWatcher>
