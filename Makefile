@@ -3,7 +3,7 @@ BUILD_JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 ELEVATE := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all run test bench lint fuzz proof speech-proof overlay-proof tap-proof matrix install bootstrap clean
+.PHONY: all run test bench lint fuzz proof speech-proof session-proof overlay-proof tap-proof matrix install bootstrap clean
 
 all: bootstrap
 	@cmake --preset release --log-level=WARNING
@@ -32,6 +32,15 @@ proof: all
 # The long measurements of recognition, about two hours; RECORDINGS is a folder of recordings with a transcripts.tsv.
 speech-proof: all
 	@scripts/speech-proof $(if $(RECORDINGS),--recordings $(RECORDINGS))
+
+# Dictations that overlap: 100,000 steps of random walks over the model, and a hundred pairs on the private
+# desktop, half an hour.
+session-proof: bootstrap
+	@cmake --preset test --log-level=WARNING
+	@cmake --build build/test -j $(BUILD_JOBS) --target core_test velorin velorin-guard press say sentences
+	@QT_QPA_PLATFORM=offscreen VELORIN_WALK_STEPS=100000 build/test/bin/core_test --gtest_filter='DictationWalk.*'
+	@VELORIN_DESKTOP_TOOLS=$(CURDIR)/build/test/libexec/desktop VELORIN_PROGRAM=$(CURDIR)/build/test/bin/velorin \
+	    VELORIN_OVERLAPS=100 scripts/desktop /usr/bin/python3 -B $(CURDIR)/tests/desktop/OverlapTest.py
 
 # What the shortcuts promise, measured under each window manager, about an hour; on a machine that does nothing else.
 tap-proof: bootstrap

@@ -6,6 +6,7 @@
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
 #include "core/AppModel.h"
+#include "core/History.h"
 #include "platform/UsersMask.h"
 #include "platform/linux/desktop/Autostart.h"
 #include "platform/linux/desktop/BusNotifications.h"
@@ -92,7 +93,8 @@ int runProgram(int& argc, char** argv, Clock& clock) {
     Autostart autostart;
     auto& platform = adapters.platform();
     VelorinApp app({model, theme, views, platform.userDefaults, platform.workspace, clock, trayHosts,
-                    notifications, autostart, JsonUserDefaults::defaultPath()});
+                    notifications, platform.pasteboard, autostart, JsonUserDefaults::defaultPath(),
+                    History::path(platform.folders)});
     showItself = [&app] { app.openSettings(); };
     app.applicationDidFinishLaunching();
     const int code = QApplication::exec();

@@ -16,7 +16,9 @@ namespace velorin {
 History::History(AppModel& model, ApplicationFolders& folders, Clock& clock)
     : model_(model), folders_(folders), clock_(clock) {}
 
-QString History::filePath() const { return folders_.dataFolder() + u"/history.json"_s; }
+QString History::path(const ApplicationFolders& folders) { return folders.dataFolder() + u"/history.json"_s; }
+
+QString History::filePath() const { return path(folders_); }
 
 void History::load() {
     removeUnfinished(filePath());

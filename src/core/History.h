@@ -24,14 +24,16 @@ public:
 
     History(AppModel& model, ApplicationFolders& folders, Clock& clock);
 
+    /// Where the file is.
+    [[nodiscard]] static QString path(const ApplicationFolders& folders);
+
     /// Reads the file; what cannot be read, or is far larger than what we write, is an empty history. Such a
     /// file stays as it is until the first change, which keeps it as "history.unreadable.json", or with the
     /// next number that is free.
     void load();
     /// Nothing happens while the history is switched off or for a text without a visible character. Of a very
     /// long text the beginning is kept.
-    void record(const QString& raw, const QString& cleaned,
-                const std::optional<RunningApplication>& target);
+    void record(const QString& raw, const QString& cleaned, const std::optional<RunningApplication>& target);
     void remove(const DictationRecord& record);
     void clear();
 

@@ -62,6 +62,10 @@ public:
     [[nodiscard]] virtual std::optional<quint64> write(PasteboardSelection selection,
                                                        const QString& text) = 0;
 
+    /// Offers the text as if the user had copied it: without any mark, and to stay. False when the selection
+    /// could not be had: then it is as it was.
+    virtual bool copy(PasteboardSelection selection, const QString& text) = 0;
+
     /// Offers what was saved again, marked transient; what cannot be offered is left out. Does nothing and
     /// answers false when the change count is another than `expected`: somebody's newer content wins.
     /// Empty contents clear the selection.

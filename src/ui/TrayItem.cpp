@@ -2,6 +2,7 @@
 
 #include "core/AppModel.h"
 #include "ui/BrandMark.h"
+#include "ui/ErrorNotice.h"
 #include "ui/Theme.h"
 
 #include <QMenu>
@@ -16,10 +17,10 @@ constexpr QRgb markOnPanel = qRgb(0xdf, 0xe3, 0xea);
 
 } // namespace
 
-TrayItem::TrayItem(AppModel& model, Theme& theme, TrayHosts& hosts, QMenu& menu)
-    : model_(model), theme_(theme), hosts_(hosts), menu_(menu) {
+TrayItem::TrayItem(AppModel& model, Theme& theme, TrayHosts& hosts, QMenu& menu, const ErrorNotice& error)
+    : model_(model), theme_(theme), hosts_(hosts), menu_(menu), error_(error) {
     connect(&model_, &AppState::isRecordingChanged, this, &TrayItem::refresh);
-    connect(&model_, &AppState::errorMessageChanged, this, &TrayItem::refresh);
+    connect(&error_, &ErrorNotice::wordsChanged, this, &TrayItem::refresh);
     connect(&theme_, &Theme::changed, this, &TrayItem::refresh);
     following_ = hosts_.onChange([this] { makeIfThereIsAHost(); });
     makeIfThereIsAHost();
@@ -42,7 +43,7 @@ void TrayItem::refresh() {
     const bool isRecording = model_.isRecording();
     icon_->setIcon(BrandMark::trayIcon(isRecording ? theme_.color(u"red"_s) : QColor(markOnPanel)));
     const QString name = isRecording ? tr("Velorin, recording") : tr("Velorin");
-    icon_->setToolTip(model_.hasErrorMessage() ? name + u'\n' + model_.errorMessageText() : name);
+    icon_->setToolTip(model_.hasErrorMessage() ? name + u'\n' + error_.words() : name);
 }
 
 } // namespace velorin

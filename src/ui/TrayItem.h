@@ -14,13 +14,14 @@
 namespace velorin {
 
 class AppModel;
+class ErrorNotice;
 class Theme;
 
 class TrayItem final : public QObject {
     Q_OBJECT
 public:
     /// All outlive it.
-    TrayItem(AppModel& model, Theme& theme, TrayHosts& hosts, QMenu& menu);
+    TrayItem(AppModel& model, Theme& theme, TrayHosts& hosts, QMenu& menu, const ErrorNotice& error);
 
     [[nodiscard]] bool isShown() const { return icon_ != nullptr; }
     /// Null where no host is.
@@ -37,6 +38,7 @@ private:
     Theme& theme_;
     TrayHosts& hosts_;
     QMenu& menu_;
+    const ErrorNotice& error_;
     std::unique_ptr<QSystemTrayIcon> icon_;
     Subscription following_;
 };

@@ -25,8 +25,9 @@ VelorinApp::VelorinApp(const Surroundings& surroundings)
                surroundings.preferencesFile, fnStandIn(surroundings.userDefaults)}),
       settings_(surroundings.views, InterimWindow::Kind::settings),
       onboarding_(surroundings.views, InterimWindow::Kind::introduction), menu_(surroundings.model, updater_),
-      tray_(surroundings.model, surroundings.theme, surroundings.trayHosts, menu_.menu()),
-      errorNotice_(surroundings.model, surroundings.notifications) {
+      errorNotice_(surroundings.model, surroundings.notifications, surroundings.pasteboard,
+                   surroundings.historyFile),
+      tray_(surroundings.model, surroundings.theme, surroundings.trayHosts, menu_.menu(), errorNotice_) {
     connect(&menu_, &MenuContent::settingsRequested, this, &VelorinApp::openSettings);
     connect(&menu_, &MenuContent::onboardingRequested, this, &VelorinApp::openOnboarding);
     connect(&tray_, &TrayItem::isShownChanged, this, [this] {
@@ -68,7 +69,7 @@ void VelorinApp::tellOfMissingTray() {
             .arg(surroundings_.model.shortcutConfiguration().summary());
     if (!status_.fnKey().isEmpty())
         text += u' ' + tr("The key %1 is Fn here.").arg(status_.fnKey());
-    surroundings_.notifications.show(u"tray"_s, tr("Velorin is ready"), text);
+    surroundings_.notifications.show({.subject = u"tray"_s, .title = tr("Velorin is ready"), .text = text});
 }
 
 } // namespace velorin

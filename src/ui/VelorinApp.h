@@ -19,6 +19,7 @@
 namespace velorin {
 
 class Notifications;
+class Pasteboard;
 class UserDefaults;
 
 class VelorinApp final : public QObject {
@@ -33,8 +34,10 @@ public:
         Clock& clock;
         TrayHosts& trayHosts;
         Notifications& notifications;
+        Pasteboard& pasteboard;
         LoginItem& loginItem;
         QString preferencesFile;
+        QString historyFile;
     };
     /// All outlive it. Opens the settings window unless the introduction was completed.
     explicit VelorinApp(const Surroundings& surroundings);
@@ -60,8 +63,8 @@ private:
     InterimWindow settings_;
     InterimWindow onboarding_;
     MenuContent menu_;
-    TrayItem tray_;
     ErrorNotice errorNotice_;
+    TrayItem tray_;
     Subscription trayWait_;
 };
 

@@ -10,6 +10,7 @@ _SERVER = """<node><interface name="org.freedesktop.Notifications">
   <method name="GetCapabilities"><arg type="as" direction="out"/></method>
   <method name="GetServerInformation"><arg type="s" direction="out"/><arg type="s" direction="out"/>
     <arg type="s" direction="out"/><arg type="s" direction="out"/></method>
+  <signal name="ActionInvoked"><arg type="u"/><arg type="s"/></signal>
 </interface></node>"""
 
 
@@ -19,22 +20,29 @@ class NotificationServer(BusService):
 
     def __init__(self):
         self.shown: dict[int, str] = {}
+        self.actions: dict[int, list[str]] = {}
         self.count = 0
         super().__init__("org.freedesktop.Notifications", "/org/freedesktop/Notifications", _SERVER)
+
+    def invoke(self, number: int, action: str):
+        """The user presses a button."""
+        self._bus.emit_signal(None, self._path, "org.freedesktop.Notifications", "ActionInvoked",
+                              GLib.Variant("(us)", (number, action)))
 
     def _on_call(self, _bus, _sender, _path, _interface, method, parameters, invocation):
         answer = None
         if method == "Notify":
-            _name, replaced, _icon, _title, text, *_ = parameters.unpack()
+            _name, replaced, _icon, _title, text, actions, *_ = parameters.unpack()
             if replaced not in self.shown:
                 self.count += 1
                 replaced = self.count
             self.shown[replaced] = text
+            self.actions[replaced] = actions
             answer = GLib.Variant("(u)", (replaced,))
         elif method == "CloseNotification":
             self.shown.pop(parameters.unpack()[0], None)
         elif method == "GetCapabilities":
-            answer = GLib.Variant("(as)", (["body"],))
+            answer = GLib.Variant("(as)", (["body", "actions"],))
         elif method == "GetServerInformation":
             answer = GLib.Variant("(ssss)", ("test", "velorin", "1", "1.2"))
         invocation.return_value(answer)

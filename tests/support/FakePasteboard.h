@@ -27,6 +27,7 @@ public:
     std::function<void(const QString&)> onCall = [](const QString&) {};
     std::vector<QString> texts;
     std::vector<Restored> restored;
+    std::vector<QString> copied;
 
     std::optional<PasteboardContents> save(PasteboardSelection selection,
                                            std::chrono::milliseconds) override {
@@ -37,6 +38,11 @@ public:
         note("write", selection);
         texts.push_back(value);
         return written;
+    }
+    bool copy(PasteboardSelection selection, const QString& value) override {
+        note("copy", selection);
+        copied.push_back(value);
+        return written.has_value();
     }
     bool restore(PasteboardSelection selection, const PasteboardContents& contents,
                  quint64 expected) override {

@@ -60,11 +60,20 @@ public:
 class FakeNotifications final : public Notifications {
 public:
     QStringList calls;
+    Notification last;
+    bool isServed = true;
+    Listeners listeners;
 
-    void show(const QString& subject, const QString&, const QString& text) override {
-        calls.append(QStringLiteral("show ") + subject + QStringLiteral(": ") + text);
+    void show(Notification notification) override {
+        calls.append(QStringLiteral("show ") + notification.subject + QStringLiteral(": ") +
+                     notification.text);
+        last = std::move(notification);
     }
     void withdraw(const QString& subject) override { calls.append(QStringLiteral("withdraw ") + subject); }
+    bool areShown() const override { return isServed; }
+    Subscription onShownChanged(std::function<void()> action) override {
+        return listeners.add(std::move(action));
+    }
 };
 
 class FakeLoginItem final : public LoginItem {

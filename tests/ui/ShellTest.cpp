@@ -21,9 +21,9 @@ struct ShellTest : ModelFixture {
     }
 
     VelorinApp& launch() {
-        app = std::make_unique<VelorinApp>(
-            VelorinApp::Surroundings{*model, theme, views, defaults, workspace, clock, trayHosts,
-                                     notifications, loginItem, u"/home/someone/preferences.json"_s});
+        app = std::make_unique<VelorinApp>(VelorinApp::Surroundings{
+            *model, theme, views, defaults, workspace, clock, trayHosts, notifications, pasteboard, loginItem,
+            u"/home/someone/preferences.json"_s, u"/home/someone/history.json"_s});
         app->applicationDidFinishLaunching();
         return *app;
     }
@@ -130,6 +130,51 @@ TEST_F(ShellTest, AnErrorIsANotificationUntilItIsOver) {
     model->setErrorMessage(std::nullopt);
     EXPECT_THAT(notifications.calls,
                 ElementsAre(u"show error: First."_s, u"show error: Second."_s, u"withdraw error"_s));
+}
+
+TEST_F(ShellTest, ATextThatCouldNotBeInsertedIsCopiedFromTheNotification) {
+    launch();
+    trust.processTrusted = false;
+    model->insertText(u"stranded"_s, editor());
+    EXPECT_EQ(notifications.last.text,
+              u"Text is ready, but Accessibility permission is needed to type it into other apps. "
+              "Use Copy in this message."_s);
+    ASSERT_EQ(notifications.last.actions.size(), 1U);
+    EXPECT_EQ(notifications.last.actions.front().label, u"Copy"_s);
+    const auto copy = notifications.last.actions.front().carryOut;
+    model->setUndeliveredText({}); // another text has been delivered meanwhile
+    copy();
+    EXPECT_THAT(pasteboard.copied, ElementsAre(u"stranded"_s));
+}
+
+TEST_F(ShellTest, CopyAgainIsNamedOnlyWhereItHasAShortcut) {
+    launch();
+    auto shortcuts = model->shortcutConfiguration();
+    shortcuts.copyAgain = {.keyCode = 96, .keyDisplay = u"F5"_s, .kind = ShortcutBindingKind::key};
+    model->setShortcutConfiguration(shortcuts);
+    trust.processTrusted = false;
+    model->insertText(u"stranded"_s, editor());
+    EXPECT_TRUE(notifications.last.text.endsWith(u"Use copy again (F5) to insert it."_s));
+}
+
+TEST_F(ShellTest, WithoutANotificationServiceTheToolTipTellsWhereTheTextIs) {
+    trayHosts.isThere = true;
+    launch();
+    trust.processTrusted = false;
+    model->insertText(u"stranded"_s, editor());
+    notifications.isServed = false;
+    notifications.listeners.tell();
+    EXPECT_TRUE(
+        app->tray().icon()->toolTip().endsWith(u"It is in the history: /home/someone/history.json"_s));
+    model->setHistoryEnabled(false);
+    model->setErrorMessage(std::nullopt);
+    EXPECT_EQ(app->tray().icon()->toolTip(), u"Velorin"_s);
+}
+
+TEST_F(ShellTest, AnErrorWithoutATextHasNoButton) {
+    launch();
+    model->setErrorMessage(u"No microphone."_s);
+    EXPECT_TRUE(notifications.last.actions.empty());
 }
 
 TEST_F(ShellTest, StartAtLoginIsAChoiceOfTheWindow) {

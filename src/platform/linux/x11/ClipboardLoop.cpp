@@ -15,8 +15,8 @@ bool isLatin1(const QString& text) {
     return std::ranges::all_of(text, [](QChar unit) { return unit.unicode() < 0x100; });
 }
 
-/// The forms in which programs ask for text, and the marks that tell managers to look away.
-PasteboardContents contentsOf(const QString& text) {
+/// The forms in which programs ask for text.
+PasteboardContents plainContentsOf(const QString& text) {
     const auto utf8 = text.toUtf8();
     PasteboardContents contents{{"UTF8_STRING", "UTF8_STRING", 8, utf8},
                                 {"text/plain;charset=utf-8", "text/plain;charset=utf-8", 8, utf8},
@@ -24,6 +24,12 @@ PasteboardContents contentsOf(const QString& text) {
                                 {"TEXT", "UTF8_STRING", 8, utf8}};
     if (isLatin1(text))
         contents.push_back({"STRING", "STRING", 8, text.toLatin1()});
+    return contents;
+}
+
+/// … and the marks that tell managers to look away.
+PasteboardContents passingContentsOf(const QString& text) {
+    auto contents = plainContentsOf(text);
     contents.push_back({transientType, "STRING", 8, {}});
     contents.push_back({concealedType, "STRING", 8, {}});
     contents.push_back({passwordHintType, passwordHintType, 8, "secret"});
@@ -128,10 +134,17 @@ std::optional<QString> ClipboardLoop::read(PasteboardSelection selection, Deadli
 std::optional<quint64> ClipboardLoop::write(PasteboardSelection selection, const QString& text) {
     auto& state = stateOf(selection);
     const auto time = loop_.serverTime(Deadline(serverDeadline));
-    if (!time || !state.offer->take(contentsOf(text), *time, true))
+    if (!time || !state.offer->take(passingContentsOf(text), *time, true))
         return std::nullopt;
     loop_.catchUp(Deadline(serverDeadline));
     return state.ours;
+}
+
+bool ClipboardLoop::copy(PasteboardSelection selection, const QString& text) {
+    const auto time = loop_.serverTime(Deadline(serverDeadline));
+    const bool isTaken = time && stateOf(selection).offer->take(plainContentsOf(text), *time, false);
+    loop_.catchUp(Deadline(serverDeadline));
+    return isTaken;
 }
 
 bool ClipboardLoop::restore(PasteboardSelection selection, const PasteboardContents& contents,

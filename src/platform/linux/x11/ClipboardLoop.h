@@ -28,6 +28,7 @@ public:
     [[nodiscard]] std::optional<PasteboardContents> save(PasteboardSelection selection, Deadline deadline);
     [[nodiscard]] std::optional<QString> read(PasteboardSelection selection, Deadline deadline);
     [[nodiscard]] std::optional<quint64> write(PasteboardSelection selection, const QString& text);
+    bool copy(PasteboardSelection selection, const QString& text);
     bool restore(PasteboardSelection selection, const PasteboardContents& contents, quint64 expected);
     [[nodiscard]] quint64 changeCount(PasteboardSelection selection);
     void stirReaders(PasteboardSelection selection) { stateOf(selection).offer->stirRequestors(); }

@@ -94,6 +94,12 @@ std::optional<quint64> X11Pasteboard::write(PasteboardSelection selection, const
     return isDone ? *result : std::nullopt;
 }
 
+bool X11Pasteboard::copy(PasteboardSelection selection, const QString& text) {
+    const auto result = std::make_shared<bool>(false);
+    const bool isDone = perform([=](ClipboardLoop& loop) { *result = loop.copy(selection, text); });
+    return isDone && *result;
+}
+
 bool X11Pasteboard::restore(PasteboardSelection selection, const PasteboardContents& contents,
                             quint64 expected) {
     const auto result = std::make_shared<bool>(false);

@@ -27,6 +27,7 @@ public:
     [[nodiscard]] std::optional<PasteboardContents> save(PasteboardSelection selection,
                                                          std::chrono::milliseconds deadline) override;
     [[nodiscard]] std::optional<quint64> write(PasteboardSelection selection, const QString& text) override;
+    bool copy(PasteboardSelection selection, const QString& text) override;
     bool restore(PasteboardSelection selection, const PasteboardContents& contents,
                  quint64 expected) override;
     [[nodiscard]] quint64 changeCount(PasteboardSelection selection) override;

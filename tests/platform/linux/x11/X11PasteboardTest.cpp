@@ -55,6 +55,17 @@ protected:
     X11Pasteboard pasteboard;
 };
 
+TEST_F(X11PasteboardTest, CopiesAsAUserWouldWithoutAnyMark) {
+    ASSERT_TRUE(pasteboard.copy(clipboard, u"Grüße"_s));
+    EXPECT_EQ(pasteboard.read(clipboard, 300ms), u"Grüße"_s);
+    const auto contents = X11Pasteboard().save(clipboard, 300ms);
+    ASSERT_TRUE(contents);
+    EXPECT_FALSE(contents->empty());
+    for (const auto& entry : *contents)
+        EXPECT_THAT(entry.type.toStdString(),
+                    testing::Not(testing::AnyOf(transientType, concealedType, "x-kde-passwordManagerHint")));
+}
+
 TEST_F(X11PasteboardTest, SavesNothingWhereNothingIs) {
     EXPECT_EQ(pasteboard.save(clipboard, 300ms), PasteboardContents{});
     EXPECT_EQ(pasteboard.save(primary, 300ms), PasteboardContents{});
