@@ -88,11 +88,15 @@ std::vector<pid_t> childrenOf(pid_t process) {
     return children;
 }
 
-long voluntarySwitchesOf(pid_t process) {
+long voluntarySwitchesOf(pid_t process, const std::string& threads) {
     long total = 0;
     std::error_code error;
     const auto folder = "/proc/" + std::to_string(process) + "/task";
     for (const auto& thread : std::filesystem::directory_iterator(folder, error)) {
+        std::string name;
+        std::getline(std::ifstream(thread.path() / "comm"), name);
+        if (!threads.empty() && name != threads)
+            continue;
         std::ifstream file(thread.path() / "status");
         for (std::string word; file >> word;)
             if (long count = 0; word == "voluntary_ctxt_switches:" && file >> count)

@@ -38,7 +38,7 @@ private:
 
 /// The processes that another one has started.
 [[nodiscard]] std::vector<pid_t> childrenOf(pid_t process);
-/// How often all threads of a process have gone to sleep by themselves.
-[[nodiscard]] long voluntarySwitchesOf(pid_t process);
+/// How often all threads of a process, or those of one name, have gone to sleep by themselves.
+[[nodiscard]] long voluntarySwitchesOf(pid_t process, const std::string& threads = {});
 
 } // namespace velorin
