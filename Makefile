@@ -19,7 +19,7 @@ run: all
 test: bootstrap
 	@cmake --preset test --log-level=WARNING
 	@cmake --build build/test -j $(BUILD_JOBS)
-	@ctest --preset test
+	@ctest --preset test -j $(BUILD_JOBS)
 
 bench: all
 	@build/release/bin/velorin-bench
