@@ -10,8 +10,10 @@ from user import TOOLS
 from windows import Windows
 from Xlib import X
 
-# Longer than any pause within a movement, the compositor's included.
-STILL_SECONDS = 0.4
+# Longer than any pause within a movement: of the overlay and the compositor, which are asked each time, not of a
+# machine that is busy with something else.
+STILL_SECONDS = 0.15
+STILL_LOOKS = 3
 
 # What every picture begins with.
 PLAIN = {"style": "capsule", "phase": "listening", "processing": None, "edit": False, "generate": False,
@@ -26,7 +28,12 @@ class Stage(Program):
     def __init__(self, windows: Windows, environment: dict[str, str] | None = None):
         super().__init__([f"{TOOLS}/overlay-stage"], {**os.environ, **(environment or {})})
         self.windows = windows
+        self.screen = ScreenWatch(windows)
         self.wait_for_line("^ready$", seconds=20)
+
+    def __exit__(self, *arguments):
+        super().__exit__(*arguments)
+        self.screen.close()
 
     def order(self, within: float = 20, **order) -> str:
         said = len(self.lines)
@@ -55,14 +62,18 @@ class Stage(Program):
     def picture(self) -> Image.Image:
         """The overlay as it is on the screen, once it stands still."""
         frame = self.frame()
-        last, since = None, time.monotonic()
+        last, since, looks = None, time.monotonic(), 0
 
         def look():
-            nonlocal last, since
+            nonlocal last, since, looks
+            # On a busy machine nothing moves for a while although something is still to come.
+            self.order()
+            self.screen.catch_up()
             now = screenshot(self.windows, frame)
             if last is None or now.tobytes() != last.tobytes() or not self.is_opaque():
-                last, since = now, time.monotonic()
-            return now if time.monotonic() - since > STILL_SECONDS else None
+                last, since, looks = now, time.monotonic(), 0
+            looks += 1
+            return now if looks > STILL_LOOKS and time.monotonic() - since > STILL_SECONDS else None
 
         return waiting.until("the overlay to stand still", 10, look)
 
@@ -70,6 +81,34 @@ class Stage(Program):
         """Whether it has faded in."""
         opacity = self.windows.property(self.window(), "_NET_WM_WINDOW_OPACITY")
         return opacity is None or len(opacity) == 0 or opacity[0] == 0xFFFFFFFF
+
+
+class ScreenWatch:
+    """Knows when the screen shows what was painted: on a spot of its own in the corner, which a compositor brings to
+    the screen after everything that was painted before it."""
+
+    SIDE = 8
+
+    def __init__(self, windows: Windows):
+        self.windows = windows
+        size = windows.root.get_geometry()
+        self.corner = size.width - self.SIDE, size.height - self.SIDE
+        self.spot = windows.root.create_window(*self.corner, self.SIDE, self.SIDE, 0, X.CopyFromParent, X.InputOutput,
+                                               override_redirect=True)
+        self.spot.map()
+        self.color = 0
+
+    def catch_up(self):
+        self.color ^= 0xFFFFFF
+        self.spot.change_attributes(background_pixel=self.color)
+        self.spot.configure(stack_mode=X.Above)
+        self.spot.clear_area()
+        expected = (self.color & 0xFF,) * 3
+        waiting.until("the screen to show what was painted", 10,
+                      lambda: screenshot(self.windows, (*self.corner, 1, 1)).getpixel((0, 0)) == expected)
+
+    def close(self):
+        self.spot.destroy()
 
 
 def screenshot(windows: Windows, frame: tuple[int, int, int, int]) -> Image.Image:

@@ -37,7 +37,9 @@ class Program:
         if self.is_running():
             self.end()
         self._process.stdin.close()
-        self._process.stdout.close()
+        # What it has started may go on and keep its output open; closing would wait for the thread that reads it.
+        if not self._reader.is_alive():
+            self._process.stdout.close()
 
     def _read(self):
         for text in self._process.stdout:
