@@ -46,15 +46,14 @@ void SessionWorkspace::openUrl(const QUrl& url) { DesktopWorkspace::openUrl(url)
 void SessionWorkspace::relaunch() { DesktopWorkspace::relaunch(giveUpName_); }
 
 Adapters::Adapters(Clock& clock, std::function<void()> giveUpName)
-    : clock_(clock), workspace_(std::move(giveUpName)),
-      recognition_(clock, ModelStore::programFolders(), folders_.dataFolder() + u"/models"_s),
-      platform_{clock_,           userDefaults_,  folders_,
-                secrets_,         trust_,         eventTap_,
-                keyboard_,        pasteboard_,    workspace_,
-                accessibility_,   languageModel_, audioInput_,
-                audioConverters_, audioFiles_,    recognition_,
-                marks_,           chatSession_,   transcriptionSession_,
-                userAccount_} {
+    : clock_(clock),
+      workspace_(std::move(giveUpName)), platform_{clock_,           userDefaults_,  folders_,
+                                                   secrets_,         trust_,         eventTap_,
+                                                   keyboard_,        pasteboard_,    workspace_,
+                                                   accessibility_,   languageModel_, audioInput_,
+                                                   audioConverters_, audioFiles_,    recognition_,
+                                                   marks_,           chatSession_,   transcriptionSession_,
+                                                   userAccount_} {
     eventTap_.setFnStandIn(DefaultsValues::string(userDefaults_, u"fnStandIn"_s).value_or(u"rightControl"_s));
     folders_.close();
     folders_.removeLeftovers();

@@ -67,6 +67,9 @@ private:
     LatencyMarks marks_; // before all whose threads mark stages: it goes after them
     JsonUserDefaults userDefaults_{JsonUserDefaults::defaultPath()};
     XdgFolders folders_;
+    // Its end may wait for a model that is being loaded: keyboard and clipboard are let go of before.
+    SherpaRecognition recognition_{clock_, ModelStore::programFolders(),
+                                   folders_.dataFolder() + QStringLiteral("/models")};
     LibSecretStore secrets_;
     SessionTrust trust_;
     SharedKeyState keyState_;
@@ -79,7 +82,6 @@ private:
     PulseAudioInput audioInput_;
     SoxrConverterFactory audioConverters_;
     SndfileFactory audioFiles_;
-    SherpaRecognition recognition_;
     QtHttpSession chatSession_{clock_, QtHttpSession::chat};
     QtHttpSession transcriptionSession_{clock_, QtHttpSession::transcription};
     PasswdAccount userAccount_;
