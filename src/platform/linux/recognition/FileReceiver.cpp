@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <sys/statvfs.h>
+
 namespace velorin {
 
 namespace {
@@ -20,8 +22,9 @@ bool goesOnAt(const QNetworkReply& reply, qint64 position) {
 } // namespace
 
 FileReceiver::FileReceiver(QNetworkReply* reply, const QString& path, qint64 kept, qint64 most,
-                           ModelDownload::Patience patience, std::function<void(qint64)> progress)
-    : reply_(reply), file_(path), kept_(kept), most_(most), patience_(patience),
+                           qint64 reserve, ModelDownload::Patience patience,
+                           std::function<void(qint64)> progress)
+    : reply_(reply), file_(path), kept_(kept), most_(most), reserve_(reserve), patience_(patience),
       progress_(std::move(progress)) {
     QObject::connect(reply_, &QNetworkReply::readyRead, &pace_, [this] { takeWhatIsThere(); });
     // Not at once: an abort finishes the reply within the call, and the end of this is the end of us.
@@ -66,12 +69,19 @@ void FileReceiver::takeWhatIsThere() {
         begin();
     while (!problem_ && reply_->bytesAvailable() > 0) {
         const QByteArray piece = reply_->read(1 << 20);
-        if (most_ > 0 && file_.size() + piece.size() > most_)
+        if (file_.size() + piece.size() > most_)
             stopFor(ReceiveProblem::tooMuch);
-        else if (file_.write(piece) != piece.size())
+        else if (!hasRoom() || file_.write(piece) != piece.size())
             stopFor(ReceiveProblem::diskFull);
     }
     progress_(file_.size());
+}
+
+bool FileReceiver::hasRoom() const {
+    struct statvfs disk {};
+    if (fstatvfs(file_.handle(), &disk) != 0)
+        return true; // writing will tell
+    return static_cast<qint64>(disk.f_bavail * disk.f_frsize) > reserve_;
 }
 
 void FileReceiver::checkPace() {

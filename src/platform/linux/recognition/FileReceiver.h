@@ -22,8 +22,9 @@ enum class ReceiveProblem {
 class FileReceiver final {
 public:
     /// Takes over the reply. `kept` bytes of the file are there already, if the server goes on after them; a
-    /// server that begins anew makes us do so as well. `most` is the size that the whole may have, 0 for any.
-    FileReceiver(QNetworkReply* reply, const QString& path, qint64 kept, qint64 most,
+    /// server that begins anew makes us do so as well. `most` is the size that the whole may have, and no
+    /// more is written than leaves the disk `reserve` bytes.
+    FileReceiver(QNetworkReply* reply, const QString& path, qint64 kept, qint64 most, qint64 reserve,
                  ModelDownload::Patience patience, std::function<void(qint64)> progress);
     FileReceiver(const FileReceiver&) = delete;
     FileReceiver& operator=(const FileReceiver&) = delete;
@@ -37,11 +38,13 @@ private:
     void end();
     void stopFor(ReceiveProblem problem);
     void checkPace();
+    [[nodiscard]] bool hasRoom() const;
 
     QNetworkReply* reply_;
     QFile file_;
     qint64 kept_;
     qint64 most_;
+    qint64 reserve_;
     ModelDownload::Patience patience_;
     std::function<void(qint64)> progress_;
     std::optional<ReceiveProblem> problem_;

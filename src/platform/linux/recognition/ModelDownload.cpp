@@ -13,6 +13,7 @@
 #include <QStorageInfo>
 #include <QTimer>
 
+#include <algorithm>
 #include <optional>
 
 #include <fcntl.h>
@@ -26,6 +27,9 @@ namespace {
 
 /// Left free for everybody else.
 constexpr qint64 reserve = 50'000'000;
+/// By how much a file may exceed the size that the table has for about right: a twentieth, and a little.
+constexpr qint64 slackPart = 20;
+constexpr qint64 slackAlways = 64 * 1024;
 
 QString tr(const char* text) { return QCoreApplication::translate("ModelDownload", text); }
 
@@ -55,6 +59,10 @@ tl::unexpected<RecognitionError> failure(ReceiveProblem problem) {
         break;
     }
     return failure("The download of the speech recognition model was cancelled.");
+}
+
+qint64 mostOf(const ModelFile& file) {
+    return file.digest.isEmpty() ? file.size + file.size / slackPart + slackAlways : file.size;
 }
 
 /// What tells one version of a file on the server from another, kept beside its first part.
@@ -109,9 +117,10 @@ RecognitionTask<void> ModelDownload::run(AssetInstallationRequest::Progress prog
     // Another process may have brought it meanwhile.
     if (store_.installed(model_))
         co_return Outcome{};
+    files_ = store_.expectedFiles(model_);
     if (!hasSpace())
         co_return failure(notEnoughSpace);
-    for (const ModelFile& file : model_.files) {
+    for (const ModelFile& file : files_) {
         auto brought = co_await bring(&file);
         if (alive.expired() || !brought)
             co_return brought;
@@ -140,7 +149,7 @@ RecognitionTask<void> ModelDownload::waitForTurn(QLockFile* lock) {
 bool ModelDownload::hasSpace() const {
     const QString folder = incompleteFolder(store_, model_);
     qint64 needed = reserve;
-    for (const ModelFile& file : model_.files)
+    for (const ModelFile& file : files_)
         needed += std::max<qint64>(0, file.size - QFileInfo(folder + u'/' + file.name).size());
     return QStorageInfo(folder).bytesAvailable() >= needed;
 }
@@ -184,7 +193,7 @@ RecognitionTask<void> ModelDownload::fetch(const ModelFile* file, QString path) 
     reply_ = reply;
     QObject::connect(reply, &QNetworkReply::metaDataChanged, reply,
                      [reply, path] { keepValidator(path, *reply); });
-    FileReceiver receiver(reply, path, kept, isExact ? file->size : 0, patience_,
+    FileReceiver receiver(reply, path, kept, mostOf(*file), reserve, patience_,
                           [this](qint64 size) { tell(size); });
     const auto received = co_await receiver.received();
     if (alive.expired())
@@ -218,13 +227,17 @@ QNetworkReply* ModelDownload::request(const ModelFile& file, qint64 from, const 
     return network_.get(request);
 }
 
+bool ModelDownload::keepsDigests() const {
+    return std::ranges::any_of(model_.files, &QByteArray::isEmpty, &ModelFile::digest);
+}
+
 RecognitionTask<void> ModelDownload::putInPlace() {
     const QString folder = incompleteFolder(store_, model_);
     const QString place = store_.userFolder() + u'/' + model_.id;
-    auto checking = inBackground([folder, &model = model_, trial = trial_] {
-        const bool isTrusted = std::none_of(model.files.begin(), model.files.end(),
-                                            [](const ModelFile& file) { return file.digest.isEmpty(); });
-        return isTrusted || (trial(folder, model) && ModelStore::recordDigests(folder, model.files));
+    auto checking = inBackground([folder, &model = model_, files = files_, keeps = keepsDigests(),
+                                  trial = trial_] {
+        const bool isTrusted = std::ranges::none_of(files, &QByteArray::isEmpty, &ModelFile::digest);
+        return (isTrusted || trial(folder, model)) && (!keeps || ModelStore::recordDigests(folder, files));
     });
     const Alive alive = alive_;
     const bool isUsable = co_await checking;

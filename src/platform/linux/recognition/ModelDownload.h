@@ -56,11 +56,13 @@ private:
     QNetworkReply* request(const ModelFile& file, qint64 from, const QByteArray& validator);
     RecognitionTask<void> putInPlace();
     [[nodiscard]] bool hasSpace() const;
+    [[nodiscard]] bool keepsDigests() const;
     void tell(qint64 ofThisFile) const;
 
     QNetworkAccessManager& network_;
     const ModelStore& store_;
     const Model& model_;
+    std::vector<ModelFile> files_; ///< As they have to be.
     Trial trial_;
     Patience patience_;
     AssetInstallationRequest::Progress progress_;

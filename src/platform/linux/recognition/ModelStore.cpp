@@ -34,6 +34,9 @@ std::optional<QByteArray> identity(const QString& path) {
            QByteArray::number(nanoseconds(status.st_ctim));
 }
 
+/// Whether a row of the record can be one: a damaged record is none.
+bool isDigest(const QByteArray& text) { return text.size() == 64 && QByteArray::fromHex(text).size() == 32; }
+
 /// The files of the model, those without a digest in the table with what was recorded when they came.
 std::vector<ModelFile> filesOf(const Model& model, const QString& folder) {
     std::vector<ModelFile> files = model.files;
@@ -43,7 +46,8 @@ std::vector<ModelFile> filesOf(const Model& model, const QString& folder) {
     while (!recorded.atEnd()) {
         const QList<QByteArray> columns = recorded.readLine().trimmed().split(' ');
         for (ModelFile& file : files) {
-            if (columns.size() == 3 && file.digest.isEmpty() && file.name.toUtf8() == columns[2]) {
+            if (columns.size() == 3 && isDigest(columns[0]) && file.digest.isEmpty() &&
+                file.name.toUtf8() == columns[2]) {
                 file.digest = columns[0];
                 file.size = columns[1].toLongLong();
             }
@@ -73,6 +77,10 @@ QStringList ModelStore::foldersOf(const Model& model) const {
     for (const QString& folder : programFolders_ + QStringList{userFolder_})
         folders.append(folder + u'/' + model.id);
     return folders;
+}
+
+std::vector<ModelFile> ModelStore::expectedFiles(const Model& model) const {
+    return filesOf(model, userFolder_ + u'/' + model.id);
 }
 
 std::optional<QString> ModelStore::installed(const Model& model) const {

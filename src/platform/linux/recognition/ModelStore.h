@@ -6,7 +6,8 @@
 ///     if (const auto folder = store.verified(model)) load(*folder);
 ///
 /// A publisher that gives no digest is trusted once: the digests of what was downloaded first are kept beside
-/// it, in the file "digests", and hold from then on.
+/// it, in the file "digests", and hold from then on: also for what is downloaded in place of a damaged model,
+/// since who answers under the address then may be somebody else. Removing the folder forgets them.
 #pragma once
 
 #include "platform/linux/recognition/ModelCatalog.h"
@@ -31,6 +32,10 @@ public:
 
     /// The same, all digests checked. Reads the files: for background threads.
     [[nodiscard]] std::optional<QString> verified(const Model& model) const;
+
+    /// The files of the model as they have to be: those without a digest in the table with the one of their
+    /// first download, if there has been one, even when the model itself is damaged by now.
+    [[nodiscard]] std::vector<ModelFile> expectedFiles(const Model& model) const;
 
     [[nodiscard]] const QString& userFolder() const { return userFolder_; }
 

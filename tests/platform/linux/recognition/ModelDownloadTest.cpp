@@ -114,6 +114,31 @@ TEST_F(ModelDownloadTest, TrustsAFirstDownloadWithoutDigestsAndHoldsItToThem) {
     EXPECT_EQ(ModelStore({}, place).verified(model), std::nullopt);
 }
 
+TEST_F(ModelDownloadTest, HoldsAnotherDownloadToTheDigestsOfTheFirst) {
+    forgetDigests();
+    ASSERT_TRUE(download());
+    const QString damaged = place + u"/a-model/second"_s;
+    ASSERT_TRUE(QFile::resize(damaged, 10));
+    server.files[u"/second"_s] = {.body = content(9, second.size()), .tag = "\"two\""};
+    EXPECT_TRUE(words().contains(u"something else"_s));
+    EXPECT_EQ(store.installed(model), std::nullopt);
+    server.files[u"/second"_s] = {.body = second, .tag = "\"three\""};
+    ASSERT_TRUE(download());
+    EXPECT_EQ(trials, 1) << "what is known needs no trial";
+    EXPECT_TRUE(store.verified(model));
+    ASSERT_TRUE(QFile::resize(damaged, 10));
+    server.files[u"/second"_s].body = content(9, second.size());
+    EXPECT_TRUE(words().contains(u"something else"_s)) << "and it stays known";
+}
+
+TEST_F(ModelDownloadTest, StopsAServerThatSendsMuchMoreThanTheTableHas) {
+    forgetDigests();
+    firstFile().body.append(content(3, 50'000'000));
+    EXPECT_TRUE(words().contains(u"something else"_s));
+    EXPECT_LE(QFileInfo(part()).size(), 300'000);
+    EXPECT_EQ(store.installed(model), std::nullopt);
+}
+
 TEST_F(ModelDownloadTest, DropsAModelThatDoesNotLoad) {
     forgetDigests();
     loads = false;
