@@ -56,14 +56,19 @@ overlay-proof: bootstrap
 	    VELORIN_TRANSCRIBE=$(CURDIR)/build/test/bin/velorin-transcribe \
 	    scripts/desktop /usr/bin/python3 -B $(CURDIR)/tests/desktop/OverlayProof.py
 
-# What libFuzzer finds interesting is kept in build/fuzz/corpus from one run to the next.
+# Each target for so long. What libFuzzer finds interesting is kept in build/fuzz/corpus from one run to the next.
 FUZZ_SECONDS ?= 300
+FUZZ_TARGETS ?= cleanup replies forms accessibility names models
 fuzz: bootstrap
 	@cmake --preset fuzz --log-level=WARNING
 	@cmake --build build/fuzz -j $(BUILD_JOBS)
-	@mkdir -p build/fuzz/corpus/cleanup
-	@build/fuzz/bin/velorin-fuzz-cleanup -max_len=400 -timeout=60 -max_total_time=$(FUZZ_SECONDS) -artifact_prefix=build/fuzz/ \
-	    build/fuzz/corpus/cleanup
+	@for target in $(FUZZ_TARGETS); do \
+	    mkdir -p build/fuzz/corpus/$$target fuzz/seeds/$$target; \
+	    [ $$target = cleanup ] && longest=400 || longest=4096; \
+	    echo "$$target, $(FUZZ_SECONDS) s"; \
+	    build/fuzz/bin/velorin-fuzz-$$target -max_len=$$longest -timeout=60 -max_total_time=$(FUZZ_SECONDS) \
+	        -artifact_prefix=build/fuzz/ build/fuzz/corpus/$$target fuzz/seeds/$$target || exit 1; \
+	done
 
 lint: all
 	@scripts/lint
