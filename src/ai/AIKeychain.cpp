@@ -29,10 +29,14 @@ bool AIKeychain::save(const QString& key, AIProvider provider) const {
     return store_.add(service, account(provider), key.toUtf8());
 }
 
+std::optional<QString> AIKeychain::legacyKey() const {
+    return store_.isAwake() ? read(legacyAccount()) : std::nullopt;
+}
+
 void AIKeychain::migrateLegacyKey(AIProvider target) const {
     if (target == AIProvider::apple)
         return;
-    const auto legacy = read(legacyAccount());
+    const auto legacy = legacyKey();
     if (!legacy || legacy->isEmpty())
         return;
     if (!read(target))

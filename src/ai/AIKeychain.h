@@ -23,6 +23,8 @@ public:
     /// Replaces the provider's key. True when it has been stored; otherwise the old one is gone as well.
     bool save(const QString& key, AIProvider provider) const;
 
+    /// The key of the time before providers. Nobody is woken for it: most have none.
+    [[nodiscard]] std::optional<QString> legacyKey() const;
     /// Moves the key of the time before providers to `target`, unless that has one; `apple` takes none.
     void migrateLegacyKey(AIProvider target) const;
 

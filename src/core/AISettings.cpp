@@ -68,8 +68,6 @@ std::optional<AIConfiguration> AISettings::configuration(bool modelAvailable) co
     return configuration;
 }
 
-bool AISettings::hasLegacyKey() const {
-    return !keychain_.read(AIKeychain::legacyAccount()).value_or(QString()).isEmpty();
-}
+bool AISettings::hasLegacyKey() const { return !keychain_.legacyKey().value_or(QString()).isEmpty(); }
 
 } // namespace velorin

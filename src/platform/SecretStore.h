@@ -14,6 +14,10 @@ class SecretStore {
 public:
     virtual ~SecretStore() = default;
 
+    /// Whether somebody is there already who can be asked: asking starts a store that sleeps, which one may
+    /// not want for a mere look.
+    [[nodiscard]] virtual bool isAwake() = 0;
+
     [[nodiscard]] virtual std::optional<QByteArray> read(const QString& service, const QString& account) = 0;
     /// True when the secret has been stored.
     virtual bool add(const QString& service, const QString& account, const QByteArray& secret) = 0;

@@ -91,6 +91,20 @@ TEST_F(AIKeys, ALegacyKeyNeverReplacesTheProvidersOwn) {
     EXPECT_EQ(secrets.items, (std::map<QString, QByteArray>{{u"api-key.openAI"_s, "sk-own"}}));
 }
 
+TEST_F(AIKeys, NobodyIsWokenWhileNoProviderIsSetUp) {
+    secrets.items[u"api-key"_s] = "sk-old";
+    secrets.sleeps = true;
+    start();
+    EXPECT_EQ(model->aiProvider(), AIProvider::apple);
+    EXPECT_TRUE(secrets.sleeps);
+    EXPECT_EQ(secrets.reads, 0);
+    model->selectAIProvider(AIProvider::openAI);
+    EXPECT_FALSE(secrets.sleeps) << "now somebody wants to know";
+    secrets.onChanged();
+    EXPECT_EQ(secrets.items, (std::map<QString, QByteArray>{{u"api-key.openAI"_s, "sk-old"}}));
+    EXPECT_TRUE(model->aiKeyConfigured());
+}
+
 TEST_F(AIKeys, ALocalNameIsOllamasWhateverKeyThereIs) {
     secrets.items[u"api-key"_s] = "sk-old";
     defaults.values[u"aiEndpoint"_s] = u"http://box.LOCAL:1/v1"_s;

@@ -11,11 +11,14 @@ class FakeSecretStore final : public SecretStore {
 public:
     std::map<QString, QByteArray> items; ///< By account.
     bool canAdd = true;
+    bool sleeps = false; ///< Reading wakes it.
     int reads = 0;
     std::function<void()> onChanged;
 
+    bool isAwake() override { return !sleeps; }
     std::optional<QByteArray> read(const QString&, const QString& account) override {
         ++reads;
+        sleeps = false;
         const auto found = items.find(account);
         return found == items.end() ? std::nullopt : std::optional(found->second);
     }

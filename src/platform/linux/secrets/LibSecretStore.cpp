@@ -160,6 +160,11 @@ std::optional<Value> LibSecretStore::ask(Work work) {
     return std::nullopt;
 }
 
+bool LibSecretStore::isAwake() {
+    return ask<bool>([](GCancellable* cancellable) { return SecretCalls::isRunning(cancellable); })
+        .value_or(false);
+}
+
 std::optional<QByteArray> LibSecretStore::read(const QString& service, const QString& account) {
     return ask<std::optional<QByteArray>>(
                [=](GCancellable* cancellable) { return SecretCalls::read(service, account, cancellable); })

@@ -21,6 +21,7 @@ public:
     LibSecretStore();
     ~LibSecretStore() override;
 
+    [[nodiscard]] bool isAwake() override;
     [[nodiscard]] std::optional<QByteArray> read(const QString& service, const QString& account) override;
     bool add(const QString& service, const QString& account, const QByteArray& secret) override;
     void remove(const QString& service, const QString& account) override;

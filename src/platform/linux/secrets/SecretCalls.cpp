@@ -7,6 +7,8 @@
 namespace velorin::SecretCalls {
 namespace {
 
+constexpr int deadlineOfTheBus = 250; // milliseconds
+
 template <typename Object>
 using Ref = std::unique_ptr<Object, Unref>;
 
@@ -22,6 +24,10 @@ struct ValueEnd {
 struct AttributesEnd {
     void operator()(GHashTable* table) const { g_hash_table_unref(table); }
 };
+struct AnswerEnd {
+    void operator()(GVariant* answer) const { g_variant_unref(answer); }
+};
+using Answer = std::unique_ptr<GVariant, AnswerEnd>;
 using Error = std::unique_ptr<GError, ErrorEnd>;
 using Value = std::unique_ptr<SecretValue, ValueEnd>;
 using Attributes = std::unique_ptr<GHashTable, AttributesEnd>;
@@ -128,6 +134,21 @@ bool remove(const QString& service, const QString& account, GCancellable* cancel
                                                      attributes(service, account).get(), cancellable, &error);
     const Error kept = forgetSession(error);
     return isRemoved && !kept;
+}
+
+bool isRunning(GCancellable* cancellable) {
+    const auto bus = busToOutlive(cancellable);
+    if (!bus)
+        return false;
+    // The bus itself is asked: whatever goes to the service would start it.
+    const Answer answer(g_dbus_connection_call_sync(
+        bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+        g_variant_new("(s)", "org.freedesktop.secrets"), G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE,
+        deadlineOfTheBus, cancellable, nullptr));
+    gboolean hasOwner = FALSE;
+    if (answer)
+        g_variant_get(answer.get(), "(b)", &hasOwner);
+    return hasOwner != FALSE;
 }
 
 Presence look(GCancellable* cancellable) {

@@ -26,6 +26,9 @@ void cancel(GCancellable* cancellable);
 bool add(const QString& service, const QString& account, const QByteArray& secret, GCancellable* cancellable);
 bool remove(const QString& service, const QString& account, GCancellable* cancellable);
 
+/// Whether somebody has the service's name already; starts nobody.
+[[nodiscard]] bool isRunning(GCancellable* cancellable);
+
 enum class Presence { answers, absent, silent };
 [[nodiscard]] Presence look(GCancellable* cancellable);
 

@@ -7,6 +7,7 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 
@@ -21,10 +22,12 @@ constexpr int patience = 20'000; // milliseconds; the machine may be busy
 const QByteArray password = "\n";
 const QString busName = u"org.freedesktop.secrets"_s;
 
-/// Without the services of the system's own: nothing is started because somebody asks for it.
+/// Without the services of the system's own: nothing is started because somebody asks for it, unless the test
+/// has put it into the folder.
 constexpr char busConfiguration[] = R"(<busconfig>
   <type>session</type>
   <listen>unix:tmpdir=/tmp</listen>
+  <servicedir>%1</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -41,7 +44,9 @@ KeyRing::KeyRing() {
     qputenv("HOME", home_.path().toLocal8Bit());
     const QString configuration = home_.filePath(u"bus.conf"_s);
     QFile file(configuration);
-    if (!file.open(QIODevice::WriteOnly) || file.write(busConfiguration) < 0 || !file.flush())
+    QDir(home_.path()).mkdir(u"services"_s);
+    const auto text = QString::fromLatin1(busConfiguration).arg(home_.filePath(u"services"_s)).toUtf8();
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0 || !file.flush())
         qFatal("the bus of the test has no configuration");
     bus_.start(u"dbus-daemon"_s, {u"--config-file="_s + configuration, u"--nofork"_s, u"--print-address"_s});
     while (!bus_.canReadLine() && bus_.waitForReadyRead(patience)) {
@@ -71,6 +76,21 @@ void KeyRing::stop() {
     service_.kill();
     service_.waitForFinished(patience);
 }
+
+void KeyRing::offerToStart() {
+    QFile file(home_.filePath(u"services/"_s + busName + u".service"_s));
+    const QString text =
+        u"[D-BUS Service]\nName=%1\nExec=/bin/sh -c \"touch %2; exit 1\"\n"_s.arg(busName, noteOfStart());
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
+        qFatal("the service of the test cannot be offered");
+    file.close();
+    QDBusConnection::sessionBus().call(
+        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                       u"org.freedesktop.DBus"_s, u"ReloadConfig"_s),
+        QDBus::Block, patience);
+}
+
+bool KeyRing::wasStartedForSomebody() const { return QFile::exists(noteOfStart()); }
 
 void KeyRing::endBus() {
     bus_.kill();

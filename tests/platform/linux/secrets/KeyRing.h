@@ -18,6 +18,9 @@ public:
     /// Starts the service, unlocked; false when it does not come up.
     bool start();
     void stop();
+    /// From here on the bus starts a service when somebody asks for it: one that notes it, and ends.
+    void offerToStart();
+    [[nodiscard]] bool wasStartedForSomebody() const;
     /// Stops it from running, or lets it go on.
     void freeze();
     void thaw();
@@ -31,6 +34,7 @@ public:
 
 private:
     bool isOnTheBus() const;
+    QString noteOfStart() const { return home_.filePath(QStringLiteral("started")); }
 
     QTemporaryDir home_{QStringLiteral("/tmp/velorin-XXXXXX")};
     QProcess bus_;

@@ -50,6 +50,19 @@ TEST_F(ALibSecretStore, KeepsReadsReplacesAndRemoves) {
     EXPECT_EQ(store->read(service, account), std::nullopt);
 }
 
+TEST_F(ALibSecretStore, IsAwakeOnceTheServiceRunsAndTheQuestionStartsNone) {
+    ring.offerToStart();
+    const auto store = running();
+    EXPECT_FALSE(store->isAwake());
+    EXPECT_FALSE(ring.wasStartedForSomebody());
+    EXPECT_EQ(store->read(service, account), std::nullopt);
+    EXPECT_TRUE(ring.wasStartedForSomebody()) << "as reading does";
+    ASSERT_TRUE(ring.start());
+    EXPECT_TRUE(store->isAwake());
+    ring.endBus();
+    EXPECT_FALSE(store->isAwake());
+}
+
 TEST_F(ALibSecretStore, TakesOneCallRightAfterTheOther) {
     ASSERT_TRUE(ring.start());
     const auto store = running();
