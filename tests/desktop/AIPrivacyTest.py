@@ -82,6 +82,13 @@ class KeptWhereItBelongs(Finishing):
         # The key ring of this desktop has no password, and is a file.
         self.assertLessEqual({file.parent.name for file in self.files_holding(KEY)}, {"keyrings"})
 
+    def test_a_recording_that_is_being_sent_goes_when_the_program_ends(self):
+        with self.start("hang", aiTranscriptionEnabled=True) as velorin:
+            self.speak_and_wait_for_request()
+            self.assertEqual(len(self.recordings()), 1)
+            velorin.end()
+        self.assertEqual(self.recordings(), [])
+
     def test_without_them_nothing_is_kept(self):
         self.assert_not_logged(self.dictate_in_every_way(historyEnabled=False))
         self.assertEqual(self.files_holding(SPOKEN, REPLY, HEARD, "heliotrope", *PROMPTS), set())
