@@ -196,7 +196,7 @@ TEST_F(AQtHttpSession, SpeaksNothingButHttp) {
 TEST_F(AQtHttpSession, GivesUpAProxyThatHangs) {
     QTcpServer proxy;
     ASSERT_TRUE(proxy.listen(QHostAddress::LocalHost));
-    qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.serverPort()));
+    qputenv("http_proxy", QByteArray("http://127.0.0.1:" + QByteArray::number(proxy.serverPort())));
     const auto result = sendWith(QUrl(u"http://provider.invalid/v1"_s), {500ms, 5s, 1 << 20});
     qunsetenv("http_proxy");
     EXPECT_EQ(failure(result), u"The request timed out."_s);
