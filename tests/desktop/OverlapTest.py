@@ -6,6 +6,7 @@ import difflib
 import os
 import unittest
 
+import waiting
 from desktop import Mousepad, User, Windows, all_sentences
 from dictation import HOLD, Speaker, Velorin
 from user import Speech
@@ -63,10 +64,13 @@ class Overlap(unittest.TestCase):
             self.said = next(number for number, line in enumerate(self.velorin.lines[self.said:], self.said)
                              if match.string == line.text) + 1
 
-    def nothing_more_comes_after(self, text: str):
-        """A key that comes after it arrives right behind: whatever was inserted twice would stand between."""
+    def assert_once(self, text: str):
+        """A key that comes after it arrives right behind: whatever was inserted twice would stand between. A busy
+        machine may hear a word otherwise; that is no second text."""
+        self.editor.wait_for_any_text(10)
         self.user.tap("x")
-        self.editor.wait_for_text(text + "x")
+        waiting.until("the key", 10, lambda: self.editor.text().endswith("x"))
+        self.assertLessEqual(word_errors(text, self.editor.text().removesuffix("x")), 1, self.editor.text())
 
     def test_a_tap_while_the_last_words_are_recognised_adds_nothing(self):
         for number in range(TRIES):
@@ -78,8 +82,7 @@ class Overlap(unittest.TestCase):
                 Speaker.rest_until(released + pause(number))
                 self.user.tap(HOLD)
                 self.wait_until_idle(2)
-                self.editor.wait_for_text(sentence.text)
-                self.nothing_more_comes_after(sentence.text)
+                self.assert_once(sentence.text)
 
     def test_a_second_sentence_into_the_second_press_follows_the_first(self):
         wrong_order, errors, words, missed = 0, 0, 0, 0
@@ -99,12 +102,12 @@ class Overlap(unittest.TestCase):
             except AssertionError:
                 got = self.editor.text()
                 print(f"pause {pause(number) * 1000:.0f} ms: {got!r} instead of {expected!r}")
-            wrong_order += not got.startswith(first.text)
-            rest = got.removeprefix(first.text)
-            missed += rest.split()[:1] != second.text.split()[:1]
+            start = second.text.split()[0]
+            wrong_order += word_errors(expected, got) > len(second.text.split()) // 2
+            missed += start not in got.split() and not any(word.endswith("." + start) for word in got.split())
             errors += word_errors(expected, got)
             words += len(expected.split())
-        print(f"{TRIES} times two: {wrong_order} with another first text, {missed} without the second's first word, "
+        print(f"{TRIES} times two: {wrong_order} lost, doubled or in another order, {missed} without the second's first word, "
               f"{errors} of {words} words wrong")
         self.assertEqual(0, wrong_order)
         self.assertLessEqual(missed, ALLOWED_SHARE * TRIES)

@@ -85,15 +85,17 @@ public:
     tl::expected<void, AccessibilityError> replaceSelection(const QString& text) override {
         struct Outcome {
             tl::expected<void, AccessibilityError> answer = tl::unexpected(AccessibilityError::unanswered);
-            std::atomic<bool> wasSent = false;
+            std::atomic<bool> isDecided = false;
         };
         const auto outcome = std::make_shared<Outcome>();
         const bool isDone =
             owner_.perform(operation_->end.time() + handing, [outcome, text, object = object_,
                                                               operation = operation_](AtspiLoop& loop) {
-                outcome->answer = loop.replaceSelection(object, text, *operation, outcome->wasSent);
+                outcome->answer = loop.replaceSelection(object, text, *operation, outcome->isDecided);
             });
-        if (!isDone && outcome->wasSent)
+        // Sent too late to be waited for is handed over; not sent by now it never is. In between the same
+        // text would go two roads.
+        if (!isDone && outcome->isDecided.exchange(true))
             return {};
         return isDone ? outcome->answer : tl::unexpected(AccessibilityError::unanswered);
     }

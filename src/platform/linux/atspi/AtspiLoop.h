@@ -54,11 +54,12 @@ public:
     [[nodiscard]] std::optional<QString> selectedText(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] std::optional<TextRange> selectedRange(const BusObject& element, AtspiOperation& operation);
     [[nodiscard]] bool isSettable(const BusObject& element, AtspiOperation& operation);
-    /// `wasSent` becomes true when the application may have got the text.
+    /// `isDecided` is taken by whoever comes first: by us, before the text is sent, or by who does not wait for
+    /// it any longer and takes another road. Nothing is sent any more then.
     [[nodiscard]] tl::expected<void, AccessibilityError> replaceSelection(const BusObject& element,
                                                                           const QString& text,
                                                                           AtspiOperation& operation,
-                                                                          std::atomic<bool>& wasSent);
+                                                                          std::atomic<bool>& isDecided);
     [[nodiscard]] std::vector<BusObject> children(const BusObject& element, AtspiOperation& operation);
 
 private:

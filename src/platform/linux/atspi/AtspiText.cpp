@@ -166,7 +166,7 @@ bool AtspiLoop::isSettable(const BusObject& element, AtspiOperation& operation) 
 tl::expected<void, AccessibilityError> AtspiLoop::replaceSelection(const BusObject& element,
                                                                    const QString& text,
                                                                    AtspiOperation& operation,
-                                                                   std::atomic<bool>& wasSent) {
+                                                                   std::atomic<bool>& isDecided) {
     const auto place = text.contains(u'\0') ? std::nullopt : placeIn(element, operation);
     const auto replaced = place ? textBetween(element, place->start, place->end, operation) : std::nullopt;
     if (!replaced)
@@ -174,7 +174,8 @@ tl::expected<void, AccessibilityError> AtspiLoop::replaceSelection(const BusObje
     const bool byUnits = countsUnits(toolkitOf(element.owner(), operation));
     // Both go out before either is answered: an application that hangs in between still gets both.
     std::uint32_t deletion = 0;
-    wasSent = true;
+    if (isDecided.exchange(true))
+        return tl::unexpected(AccessibilityError::unanswered);
     if (place->start != place->end)
         deletion = bus_.send({element, editableInterface, "DeleteText", {place->start, place->end}});
     const auto insertion = bus_.send({element,

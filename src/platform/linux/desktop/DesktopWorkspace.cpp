@@ -6,7 +6,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QFileInfo>
-#include <QProcess>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,15 +21,6 @@ bool call(const QString& service, const QString& path, const QString& interface,
     message.setArguments(arguments);
     return QDBusConnection::sessionBus().call(message, QDBus::Block, deadline).type() ==
            QDBusMessage::ReplyMessage;
-}
-
-/// A program that goes on without us.
-void startForTheUser(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.setProgram(program);
-    process.setArguments(arguments);
-    process.setChildProcessModifier(&beAsTheUserStartsIt);
-    process.startDetached();
 }
 
 } // namespace
