@@ -100,12 +100,12 @@ function(velorin_executable name)
   target_link_libraries(${name} PRIVATE velorin_flags velorin_hardened_flags ${ARG_LINKS})
 endfunction()
 
-# velorin_test(name SOURCES … [DEPENDS velorin libraries] [LINKS …] [MOC] [TSAN] [LABEL label] [PCH header])
+# velorin_test(name SOURCES … [DEPENDS velorin libraries] [LINKS …] [MOC] [TSAN] [SERIAL] [LABEL label] [PCH header])
 #
 # A GoogleTest program of the checked libraries (or, with TSAN, of those for ThreadSanitizer);
-# each of its tests becomes one of ctest.
+# each of its tests becomes one of ctest. SERIAL: beside no other test, since it hears in real time.
 function(velorin_test name)
-  cmake_parse_arguments(ARG "MOC;TSAN" "LABEL;PCH" "SOURCES;DEPENDS;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "MOC;TSAN;SERIAL" "LABEL;PCH" "SOURCES;DEPENDS;LINKS" ${ARGN})
   set(suffix _checked)
   if(ARG_TSAN)
     set(suffix _tsan)
@@ -133,5 +133,6 @@ function(velorin_test name)
   if(NOT ARG_LABEL)
     set(ARG_LABEL unit)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+      PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 120 RUN_SERIAL ${ARG_SERIAL})
 endfunction()

@@ -16,7 +16,7 @@ from user import User
 from windows import Windows
 
 _LONGEST_CALL_MILLISECONDS = 800
-_NOT_IN_FRONT = "Text was not inserted: another window is in front. Use copy again to insert it."
+_NOT_IN_FRONT = "Text was not inserted: another window is in front."
 
 
 class DeliveryTrouble(unittest.TestCase):

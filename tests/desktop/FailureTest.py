@@ -57,9 +57,15 @@ class WholeDesktop(Desktop):
         self.assertIn("velorin: no display: the X server at “:4711” does not answer.", velorin.said())
 
     def test_without_a_model_a_dictation_says_so_and_the_program_stays(self):
-        folder = tempfile.mkdtemp()
+        folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, folder)
-        alone = shutil.copy(os.environ["VELORIN_PROGRAM"], folder)
+        program = pathlib.Path(os.environ["VELORIN_PROGRAM"])
+        (folder / "bin").mkdir()
+        alone = shutil.copy(program, folder / "bin")
+        # Its libraries, without which nothing starts, and no more.
+        (folder / "lib/velorin").mkdir(parents=True)
+        for library in (program.parent.parent / "lib/velorin").glob("*.so*"):
+            shutil.copy(library, folder / "lib/velorin")
         velorin = self.start(executable=alone)
         self.fails_to_start_with(velorin, r"^velorin: .*model.*")
 

@@ -76,8 +76,6 @@ struct DictationTrouble : testing::TestWithParam<SoundServer::Kind> {
     void stop() { QCoro::waitFor(engine.stop()); }
 
     void dictatesTheWhole() {
-        ASSERT_TRUE(start());
-        server.play(goForward());
         // The preview of the pause after it.
         QString shown;
         engine.onResult = [this, &shown](const QString& result, bool isFinal) {
@@ -85,6 +83,8 @@ struct DictationTrouble : testing::TestWithParam<SoundServer::Kind> {
             if (isFinal)
                 text += result;
         };
+        ASSERT_TRUE(start());
+        server.play(goForward());
         EXPECT_TRUE(waitUntil([&] { return shown.contains(u"meters"_s); }, 60s)) << shown.toStdString();
         stop();
         EXPECT_TRUE(text.toLower().startsWith(u"go forward ten meters"_s)) << text.toStdString();
