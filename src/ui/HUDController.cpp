@@ -61,6 +61,8 @@ void HUDController::layOut(const AppModel& model) {
 
 void HUDController::show(AppModel& model) {
     model_ = &model;
+    if (panel_)
+        panel_->stay();
     content_.setComposited(surroundings_.windows.isComposited());
     content_.setLook(model.overlayStyle());
     content_.follow(model);

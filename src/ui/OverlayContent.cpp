@@ -115,7 +115,10 @@ void OverlayContent::refreshState() {
     sessionTag_ = OverlayLabels::sessionTag(*model_);
     app_ = model_->targetApp();
     Q_EMIT stateChanged();
-    refreshText(); // the placeholder follows the phase
+    // An animation that the news has started brings all others up to date; one of them may have been the last
+    // of a fade, after which we rest.
+    if (model_)
+        refreshText(); // the placeholder follows the phase
 }
 
 void OverlayContent::refreshText() {

@@ -45,7 +45,7 @@ OverlayPanel::OverlayPanel(QQmlEngine& engine, FloatingWindows& windows)
     setResizeMode(QQuickView::SizeRootObjectToView);
     setTitle(u"Velorin"_s);
     connect(&fading_, &QPropertyAnimation::finished, this, [this] {
-        if (fading_.endValue().toDouble() > 0)
+        if (isWanted_)
             return;
         hide();
         Q_EMIT disappeared();
@@ -136,6 +136,11 @@ void OverlayPanel::appear() {
     show();
     windows_.raise(winId());
     fade(1, static_cast<int>(themeNumber(u"overlayFadeIn")));
+}
+
+void OverlayPanel::stay() {
+    fading_.stop();
+    isWanted_ = true;
 }
 
 void OverlayPanel::disappear() {

@@ -32,6 +32,8 @@ public:
 
     /// Fades in from nothing, also when it was there already.
     void appear();
+    /// It will appear again at once: a fade ends here, and nobody is told that it has gone.
+    void stay();
     /// Fades out, then leaves the screen. Nothing happens to a window that is not on it.
     void disappear();
 

@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QScreen>
+#include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
 using testing::SizeIs;
@@ -75,6 +76,25 @@ TEST_F(HUDControllerTest, ASecondShowKeepsTheViewAndFadesInAgain) {
     EXPECT_LT(overlay.panel()->opacity(), 1);
     EXPECT_EQ(overlay.panel()->rootObject(), root);
     EXPECT_EQ(windows.raised, 2);
+}
+
+TEST_F(HUDControllerTest, ADictationThatBeginsWhileItFadesAwayIsFollowed) {
+    appearance.isStill = false;
+    appearance.listeners.tell();
+    show();
+    overlay.hide();
+    // A busy main thread: the fade's last moment passes before anything is painted, so that it is the next
+    // animation to start that ends it.
+    QThread::msleep(600);
+    for (const auto phase : {OverlayPhase::done, OverlayPhase::listening, OverlayPhase::processing,
+                             OverlayPhase::listening})
+        model->setOverlayPhase(phase);
+    overlay.show(*model);
+    model->setCleanedText(u"followed"_s);
+    EXPECT_EQ(overlay.content().text(), u"followed"_s);
+    EXPECT_TRUE(waitUntil([&] { return overlay.panel()->opacity() == 1; }));
+    model->setCleanedText(u"still followed"_s);
+    EXPECT_EQ(overlay.content().text(), u"still followed"_s);
 }
 
 TEST_F(HUDControllerTest, AnotherStyleTakesEffectAtTheNextShow) {
