@@ -5,6 +5,7 @@
 #include "ai/TranscriptionForm.h"
 #include "platform/Background.h"
 #include "platform/Log.h"
+#include "text/ForeignText.h"
 #include "text/Graphemes.h"
 #include "text/WhiteSpace.h"
 
@@ -58,9 +59,13 @@ struct Read {
 
 bool isSuccess(int status) { return status >= 200 && status <= 299; }
 
+/// A refusal may have any length, and hold anything.
+constexpr qsizetype longestRefusal = 200;
+
 Read refusal(const HttpResponse& response) {
-    return {tl::unexpected(
-        ServiceError{ServiceError::Kind::http, response.status, Replies::errorMessage(response.body)})};
+    const QString said = Replies::errorMessage(response.body);
+    return {tl::unexpected(ServiceError{ServiceError::Kind::http, response.status,
+                                        ForeignText::oneLine(said, longestRefusal), said.size()})};
 }
 
 Read readText(QString text) {
@@ -73,7 +78,7 @@ Read readChat(const HttpResponse& response) {
         return refusal(response);
     auto text = Replies::chat(response.body);
     if (!text)
-        return {tl::unexpected(ServiceError{ServiceError::Kind::emptyResponse, 0, {}})};
+        return {tl::unexpected(ServiceError{.kind = ServiceError::Kind::emptyResponse, .text = {}})};
     return readText(std::move(*text));
 }
 
@@ -82,7 +87,7 @@ Read readTranscription(const HttpResponse& response) {
         return refusal(response);
     auto text = Replies::transcription(response.body);
     if (!text)
-        return {tl::unexpected(ServiceError{text.error(), 0, {}})};
+        return {tl::unexpected(ServiceError{.kind = text.error(), .text = {}})};
     return readText(std::move(*text));
 }
 
@@ -91,6 +96,11 @@ QList<HttpHeader> headers(const QByteArray& contentType, const QString& apiKey) 
     if (const QString key = trimmed(apiKey); !key.isEmpty())
         list.append({"Authorization", "Bearer " + key.toUtf8()});
     return list;
+}
+
+/// Others can read what goes over a network unencrypted.
+bool givesAwayKey(const QUrl& url, const QString& apiKey) {
+    return !trimmed(apiKey).isEmpty() && url.scheme() != "https"_L1 && !Endpoint::isThisMachine(url.host());
 }
 
 QByteArray chatBody(const Prompt& prompt, const QString& model, int maxTokens) {
@@ -170,6 +180,8 @@ QCoro::Task<AIResult> AIService::completeHTTP(Prompt prompt, Configuration confi
     const QString model = trimmed(configuration.model);
     if (model.isEmpty())
         co_return failed(ServiceError::Kind::notConfigured);
+    if (givesAwayKey(QUrl(*address, QUrl::StrictMode), configuration.apiKey))
+        co_return failed(ServiceError::Kind::notEncrypted);
     HttpRequest request{.url = QUrl(*address, QUrl::StrictMode),
                         .headers = headers("application/json", configuration.apiKey),
                         .body = chatBody(prompt, model, maxTokens)};
@@ -191,8 +203,9 @@ QCoro::Task<AIResult> AIService::completeHTTP(Prompt prompt, Configuration confi
 
 QCoro::Task<AIResult> AIService::completeOnDevice(Prompt prompt, int maxTokens) {
     if (!languageModel_.isAvailable())
-        co_return tl::unexpected<AIFailure>(ServiceError{ServiceError::Kind::appleIntelligenceUnavailable, 0,
-                                                         appleIntelligenceAvailabilityDescription()});
+        co_return tl::unexpected<AIFailure>(
+            ServiceError{.kind = ServiceError::Kind::appleIntelligenceUnavailable,
+                         .text = appleIntelligenceAvailabilityDescription()});
     QElapsedTimer clock;
     clock.start();
     LanguageModelRequest request{.instructions = prompt.system,
@@ -205,7 +218,7 @@ QCoro::Task<AIResult> AIService::completeOnDevice(Prompt prompt, int maxTokens) 
     if (!content) {
         qCCritical(aiLog).noquote() << u"apple intelligence failed: %1"_s.arg(content.error().description);
         co_return tl::unexpected<AIFailure>(
-            ServiceError{ServiceError::Kind::appleIntelligence, 0, content.error().description});
+            ServiceError{.kind = ServiceError::Kind::appleIntelligence, .text = content.error().description});
     }
     const QString text = trimmed(*content);
     if (text.isEmpty())
@@ -225,6 +238,8 @@ QCoro::Task<AIResult> AIService::transcribe(QString audioPath, QString model, st
     model = trimmed(model);
     if (model.isEmpty())
         co_return failed(ServiceError::Kind::notConfigured);
+    if (givesAwayKey(QUrl(*address, QUrl::StrictMode), configuration.apiKey))
+        co_return failed(ServiceError::Kind::notEncrypted);
     auto loading = inBackground([audioPath] { return contentOf(audioPath); });
     const QByteArray audio = co_await loading;
     if (audio.isEmpty())

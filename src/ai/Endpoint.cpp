@@ -2,6 +2,7 @@
 
 #include "text/WhiteSpace.h"
 
+#include <QRegularExpression>
 #include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
@@ -44,6 +45,12 @@ std::optional<QString> completed(QStringView endpoint, const QString& path) {
 bool isLocal(QStringView endpoint) {
     const QString host = parsed(trimmed(endpoint).toString()).host().toLower();
     return host == "localhost"_L1 || host == "127.0.0.1"_L1 || host == "::1"_L1 || host.endsWith(".local"_L1);
+}
+
+bool isThisMachine(QStringView host) {
+    static const QRegularExpression loopback(u"^127(\\.\\d{1,3}){3}$"_s);
+    const QString name = host.toString().toLower();
+    return name == "localhost"_L1 || name == "::1"_L1 || loopback.match(name).hasMatch();
 }
 
 std::optional<QString> chatUrl(QStringView endpoint) { return completed(endpoint, u"/chat/completions"_s); }

@@ -11,6 +11,9 @@ namespace velorin::Endpoint {
 /// and surrounding white space do not matter; a text without a host is not local.
 [[nodiscard]] bool isLocal(QStringView endpoint);
 
+/// Whether nothing that goes to this host leaves the machine. A ".local" name may be any machine's.
+[[nodiscard]] bool isThisMachine(QStringView host);
+
 /// Where chat requests and recordings go. A bare host gains "/v1" and the path, an endpoint with a path of
 /// its own the path alone. Nothing when the text is no address with a host; otherwise the user's own text,
 /// completed.

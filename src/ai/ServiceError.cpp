@@ -20,6 +20,19 @@ struct Wording {
     QString operator()(RequestCancelled) const { return tr("The request was cancelled."); }
 };
 
+struct Outline {
+    QString operator()(const ServiceError& error) const {
+        if (error.kind == ServiceError::Kind::http)
+            return u"http status=%1 chars=%2"_s.arg(QString::number(error.status),
+                                                    QString::number(error.length));
+        return u"kind %1"_s.arg(static_cast<int>(error.kind));
+    }
+    QString operator()(const HttpFailure& failure) const {
+        return u"connection chars=%1"_s.arg(failure.sentence.size());
+    }
+    QString operator()(RequestCancelled) const { return u"cancelled"_s; }
+};
+
 } // namespace
 
 QString ServiceError::description() const {
@@ -40,10 +53,14 @@ QString ServiceError::description() const {
         return tr("The AI response couldn’t be read.");
     case Kind::audioUnavailable:
         return tr("The recorded audio couldn’t be read.");
+    case Kind::notEncrypted:
+        return tr("This provider's address is not encrypted, so no key is sent there. Use https.");
     }
     Q_UNREACHABLE();
 }
 
 QString description(const AIFailure& failure) { return std::visit(Wording{}, failure); }
+
+QString outline(const AIFailure& failure) { return std::visit(Outline{}, failure); }
 
 } // namespace velorin

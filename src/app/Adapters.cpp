@@ -53,7 +53,7 @@ Adapters::Adapters(Clock& clock, std::function<void()> giveUpName)
                                                    accessibility_,   languageModel_, audioInput_,
                                                    audioConverters_, audioFiles_,    recognition_,
                                                    marks_,           chatSession_,   transcriptionSession_,
-                                                   userAccount_} {
+                                                   userAccount_,     sessionWatch_} {
     eventTap_.setFnStandIn(DefaultsValues::string(userDefaults_, u"fnStandIn"_s).value_or(u"rightControl"_s));
     folders_.close();
     folders_.removeLeftovers();

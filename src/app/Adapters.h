@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/account/PasswdAccount.h"
 #include "platform/linux/atspi/AtspiAccessibility.h"
+#include "platform/linux/desktop/BusSessionWatch.h"
 #include "platform/linux/desktop/JsonUserDefaults.h"
 #include "platform/linux/desktop/NoLanguageModel.h"
 #include "platform/linux/desktop/XdgFolders.h"
@@ -85,6 +86,7 @@ private:
     QtHttpSession chatSession_{clock_, QtHttpSession::chat};
     QtHttpSession transcriptionSession_{clock_, QtHttpSession::transcription};
     PasswdAccount userAccount_;
+    BusSessionWatch sessionWatch_;
     Platform platform_;
 };
 

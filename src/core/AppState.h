@@ -160,6 +160,9 @@ public:
     void setAutoInsert(bool value) { autoInsert_ = value; }
     [[nodiscard]] bool useDirectInsertion() const { return useDirectInsertion_; }
     void setUseDirectInsertion(bool value) { useDirectInsertion_ = value; }
+    /// A dictation that goes on for longer ends as if the user had stopped it.
+    [[nodiscard]] int longestDictationMinutes() const { return longestDictationMinutes_; }
+    void setLongestDictationMinutes(int value) { longestDictationMinutes_ = value; }
     [[nodiscard]] OverlayStyle overlayStyle() const { return overlayStyle_; }
     void setOverlayStyle(OverlayStyle value) { overlayStyle_ = value; }
     [[nodiscard]] bool onboardingCompleted() const { return onboardingCompleted_; }
@@ -272,6 +275,7 @@ Q_SIGNALS:
     void shortcutConfigurationChanged();
     void autoInsertChanged();
     void useDirectInsertionChanged();
+    void longestDictationMinutesChanged();
     void overlayStyleChanged();
     void onboardingCompletedChanged();
     void requestedSettingsPaneChanged();
@@ -357,6 +361,8 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, autoInsert_, true, &AppState::autoInsertChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, useDirectInsertion_, true,
                                          &AppState::useDirectInsertionChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, longestDictationMinutes_, 120,
+                                         &AppState::longestDictationMinutesChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, OverlayStyle, overlayStyle_, OverlayStyle::capsule,
                                          &AppState::overlayStyleChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, onboardingCompleted_, false,

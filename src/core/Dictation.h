@@ -13,6 +13,7 @@
 #include "platform/Listeners.h"
 #include "platform/RunningApplication.h"
 #include "shortcuts/DictationShortcutSessionController.h"
+#include "speech/RecordingWriter.h"
 
 #include <QString>
 
@@ -46,16 +47,20 @@ struct Dictation {
     std::optional<QString> context; ///< The text around the cursor, where nothing was selected.
     bool isEdit = false;            ///< It will rewrite the selection.
     bool isForProvider = false;     ///< Its sound is recorded for a provider.
+    Subscription longest;           ///< Ends it when it has gone on for too long.
 
     // What was heard.
     QString finalizedText;
     QString volatileText;
     std::optional<PassingFile> recording;
+    std::optional<RecordingWriter::Loss> recordingLoss; ///< Why it is not whole.
     [[nodiscard]] QString transcript() const { return finalizedText + volatileText; }
 
     /// A newer dictation has begun: nothing that takes long is waited for any more.
     bool isOvertaken = false;
     Listeners overtaking; ///< Told once, when that becomes true.
+    /// The screen was locked before it was delivered: whatever is in front then, or later, gets nothing.
+    bool isWithheld = false;
     /// Its call to close the microphone has been made: whoever comes next may ask for it.
     Gate hasClosed{false};
     /// All that was dictated before it has been delivered.

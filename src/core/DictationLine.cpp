@@ -34,6 +34,11 @@ void DictationLine::overtakeBefore(const Dictation& dictation) const {
     }
 }
 
+void DictationLine::withholdAll() const {
+    for (const auto& dictation : line_)
+        dictation->isWithheld = true;
+}
+
 bool DictationLine::hasAnyBefore(const Dictation& dictation) const {
     return !line_.empty() && line_.front().get() != &dictation;
 }

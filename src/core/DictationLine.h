@@ -23,6 +23,9 @@ public:
     /// Tells all that stand before this one that it has begun, the oldest first.
     void overtakeBefore(const Dictation& dictation) const;
 
+    /// None of those that are alive now is to be delivered.
+    void withholdAll() const;
+
     [[nodiscard]] bool isEmpty() const { return line_.empty(); }
     [[nodiscard]] bool hasAnyBefore(const Dictation& dictation) const;
     /// The newest in this state; null where there is none.

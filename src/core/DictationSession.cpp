@@ -1,14 +1,17 @@
 #include "core/DictationSession.h"
 
+#include "ai/Endpoint.h"
 #include "core/AppModel.h"
 #include "core/CleanedTranscript.h"
 #include "core/DictationServices.h"
 #include "delivery/ContextDetector.h"
+#include "delivery/DeliveredText.h"
 #include "platform/Log.h"
 #include "text/Graphemes.h"
 
 #include <QCoreApplication>
 #include <QPointer>
+#include <QUrl>
 
 #include <cmath>
 
@@ -33,6 +36,19 @@ QString descriptions(const std::vector<DictationShortcutAction>& actions) {
     return names.join(u", "_s);
 }
 
+/// What providers take.
+constexpr qint64 mostBytesToSend = 25'000'000;
+
+QString wordsFor(RecordingWriter::Loss loss) {
+    return loss == RecordingWriter::Loss::tooLong
+               ? AppModel::tr(
+                     "The recording is longer than a provider takes (25 MB), so it was not sent; this "
+                     "computer's own transcript was used.")
+               : AppModel::tr(
+                     "The recording is not whole, so it was not sent; this computer's own transcript was "
+                     "used.");
+}
+
 QString statusOf(AIProcessing processing) {
     switch (processing) {
     case AIProcessing::polish:
@@ -50,7 +66,8 @@ QString statusOf(AIProcessing processing) {
 } // namespace
 
 DictationSession::DictationSession(AppModel& model, DictationServices& services)
-    : model_(model), services_(services) {}
+    : model_(model), services_(services),
+      watching_(services.platform.sessionWatch.onChange([this] { sessionChanged(); })) {}
 
 DictationSession::~DictationSession() { line_.abandon(); }
 
@@ -97,6 +114,22 @@ void DictationSession::toggleDictation() {
         beginSession();
 }
 
+/// Nobody listens to a room whose screen is locked, and nothing that was said is put onto that screen.
+void DictationSession::sessionChanged() {
+    if (!services_.platform.sessionWatch.isAway())
+        return;
+    line_.withholdAll();
+    endForced();
+}
+
+/// Ends what listens, or is about to, as if the user had.
+void DictationSession::endForced() {
+    if (const auto dictation = launching())
+        dictation->isToStop = true;
+    if (line_.in(State::listening))
+        services_.tasks.launch(stop());
+}
+
 /// The one whose microphone is being opened and that nobody has ended yet.
 SharedDictation DictationSession::launching() const {
     return asked_ && asked_->state == State::launching && !asked_->isToStop ? asked_ : nullptr;
@@ -107,6 +140,10 @@ SharedDictation DictationSession::launching() const {
 QCoro::Task<> DictationSession::start() {
     if (model_.isRecording())
         co_return;
+    if (services_.platform.sessionWatch.isAway()) {
+        qCInfo(shortcutLog).noquote() << u"start ignored: the session is locked"_s;
+        co_return;
+    }
     services_.preview.end();
     model_.setErrorMessage(std::nullopt);
     // Read before the first wait: it tells whether a shortcut was down when this launch began.
@@ -254,13 +291,22 @@ void DictationSession::prepareEngine(const SharedDictation& dictation) {
     };
     engine.marksOf = dictation->marks;
     engine.contextualStrings = model_.customVocabulary();
+    engine.onRecordingCut = [weak, dictation](RecordingWriter::Loss loss) {
+        if (weak)
+            dictation->recordingLoss = loss;
+    };
     dictation->isForProvider = services_.finishing.providerTranscriptionActive();
+    engine.mostRecordedBytes.reset();
+    if (!Endpoint::isThisMachine(QUrl(model_.aiEndpoint()).host()))
+        engine.mostRecordedBytes = mostBytesToSend;
     model_.setRemoteTranscriptionThisSession(dictation->isForProvider);
     engine.recordsAudio = dictation->isForProvider;
 }
 
 void DictationSession::enterListening(Dictation& dictation) {
     dictation.state = State::listening;
+    dictation.longest = services_.platform.clock.after(std::chrono::minutes(model_.longestDictationMinutes()),
+                                                       [this] { endForced(); });
     if (isNewest(dictation)) {
         model_.setIsRecording(true);
         model_.setStatus(u"Listening…"_s);
@@ -369,6 +415,7 @@ QCoro::Task<> DictationSession::end(SharedDictation dictation) {
     const PlaceInLine place(line_, dictation);
     services_.platform.marks.mark(dictation->marks, Stage::keyUp);
     dictation->state = State::draining;
+    dictation->longest = {};
     if (isNewest(*dictation)) {
         shortcutSession_.activeMode = std::nullopt;
         model_.setStatus(u"Finishing…"_s);
@@ -389,7 +436,11 @@ QCoro::Task<> DictationSession::end(SharedDictation dictation) {
 
 QCoro::Task<> DictationSession::takeProvidersTranscript(SharedDictation dictation) {
     auto& finishing = services_.finishing;
-    if (dictation->isForProvider && finishing.providerTranscriptionActive() && dictation->recording) {
+    const bool isToSend =
+        dictation->isForProvider && finishing.providerTranscriptionActive() && dictation->recording;
+    if (isToSend && dictation->recordingLoss) {
+        model_.setErrorMessage(wordsFor(*dictation->recordingLoss));
+    } else if (isToSend) {
         auto transcribing = finishing.transcribed(dictation, asking(dictation));
         const auto theirs = co_await transcribing;
         if (theirs.text) {
@@ -450,7 +501,8 @@ void DictationSession::showProcessing(Dictation& dictation, AIProcessing process
 }
 
 /// Kept first: whatever goes wrong with the delivery, the text is not lost.
-QCoro::Task<> DictationSession::conclude(SharedDictation dictation, Ending ending) {
+QCoro::Task<> DictationSession::conclude(SharedDictation dictation, Ending reached) {
+    Ending ending = cleared(*dictation, std::move(reached));
     if (ending.isPlain() || !dictation->isOvertaken)
         co_await dictation->turn.opened();
     keep(*dictation, ending);
@@ -467,6 +519,20 @@ QCoro::Task<> DictationSession::conclude(SharedDictation dictation, Ending endin
     line_.leave(*dictation);
     hideUnlessNeeded();
     services_.captureLog.countLater();
+}
+
+bool DictationSession::isTerminal(const Dictation& dictation) const {
+    const auto kin = dictation.target ? dictation.target->kin : std::nullopt;
+    return dictation.profile == ContextProfile::terminal ||
+           (kin && ContextDetector::profileForBundleID(*kin) == ContextProfile::terminal);
+}
+
+/// What is kept and delivered is text and nothing else. A terminal runs each line that a provider sends it.
+Ending DictationSession::cleared(const Dictation& dictation, Ending ending) const {
+    const bool isRun = ending.isReply && isTerminal(dictation);
+    ending.text = isRun ? DeliveredText::oneLine(ending.text) : DeliveredText::cleared(ending.text);
+    ending.raw = DeliveredText::cleared(ending.raw);
+    return ending;
 }
 
 QString DictationSession::selectionChanged() const {
@@ -502,20 +568,23 @@ void DictationSession::deliver(const Dictation& dictation, const Ending& ending)
     if (isLate && ending.isKept())
         qCInfo(aiLog).noquote() << u"discarding stale %1 result"_s.arg(ending.kind);
     if (ending.problem || (isLate && model_.autoInsert())) {
-        setAside(ending);
+        setAside(ending,
+                 AppModel::tr("The answer came after the next dictation had begun, so it was not inserted."));
+        return;
+    }
+    if (dictation.isWithheld && model_.autoInsert() && !ending.text.trimmed().isEmpty()) {
+        setAside(ending, AppModel::tr("The screen was locked, so the text was not inserted."));
         return;
     }
     if (model_.autoInsert() && services_.router.insertText(ending.text, dictation.target))
         services_.platform.marks.mark(dictation.marks, Stage::delivered);
 }
 
-/// Within reach, and the user is told.
-void DictationSession::setAside(const Ending& ending) {
+/// Within reach, and the user is told why it is not where it was to be.
+void DictationSession::setAside(const Ending& ending, const QString& reason) {
     if (!ending.text.isEmpty())
         model_.setUndeliveredText(ending.text);
-    model_.setErrorMessage(
-        ending.problem.value_or(AppModel::tr("The answer came after the next dictation had begun, so it was "
-                                             "not inserted.")));
+    model_.setErrorMessage(ending.problem.value_or(reason));
 }
 
 /// The overlay belongs to the newest dictation, and to none when that has ended.

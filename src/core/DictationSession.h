@@ -51,6 +51,8 @@ public:
 
 private:
     void perform(const DictationShortcutAction& action);
+    void sessionChanged();
+    void endForced();
     void beginSession();
     [[nodiscard]] SharedDictation launching() const;
 
@@ -73,8 +75,10 @@ private:
     QCoro::Task<> conclude(SharedDictation dictation, Ending ending);
     void keep(const Dictation& dictation, const Ending& ending);
     void deliver(const Dictation& dictation, const Ending& ending);
-    void setAside(const Ending& ending);
+    void setAside(const Ending& ending, const QString& reason);
     [[nodiscard]] QString selectionChanged() const;
+    [[nodiscard]] bool isTerminal(const Dictation& dictation) const;
+    [[nodiscard]] Ending cleared(const Dictation& dictation, Ending ending) const;
     void showEnd(const Dictation& dictation, const Ending& ending);
     void hideUnlessNeeded();
 
@@ -91,6 +95,7 @@ private:
     SharedDictation newest_; ///< Which the model shows; also after its end.
     SharedDictation asked_;  ///< Asked for last; not shown before the microphone is granted.
     bool isOverlayUp_ = false;
+    Subscription watching_;
 };
 
 } // namespace velorin

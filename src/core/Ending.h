@@ -17,6 +17,8 @@ struct Ending {
     std::optional<QString> problem;
     /// The state word is not set back: the user was asked for something else than patience.
     bool keepsStatus = false;
+    /// A provider wrote the text.
+    bool isReply = false;
     /// Inserted only if this is selected still.
     std::optional<SelectionSnapshot> replaces;
 

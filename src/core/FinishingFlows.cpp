@@ -44,7 +44,7 @@ Ending refused(const QString& kind, const QString& problem) {
 
 Ending failed(const QString& kind, const AIFailure& failure) {
     const QString reason = description(failure);
-    qCCritical(aiLog).noquote() << u"%1 failed: %2"_s.arg(kind, reason);
+    qCCritical(aiLog).noquote() << u"%1 failed: %2"_s.arg(kind, outline(failure));
     return {.text = {}, .raw = {}, .kind = kind, .problem = reason, .replaces = {}};
 }
 
@@ -80,7 +80,7 @@ QCoro::Task<FinishingOperations::Transcription> FinishingFlows::transcribed(Shar
         co_return Transcription{};
     if (const AIResult& text = *answer; !text) {
         const QString reason = description(text.error());
-        qCCritical(aiLog).noquote() << u"provider transcription failed: %1"_s.arg(reason);
+        qCCritical(aiLog).noquote() << u"provider transcription failed: %1"_s.arg(outline(text.error()));
         co_return Transcription{
             {}, AppModel::tr("Provider transcription failed; used Apple’s on-device transcript. ") + reason};
     }
@@ -103,7 +103,7 @@ QCoro::Task<Ending> FinishingFlows::polished(SharedDictation dictation, QString 
         co_return plain;
     const AIResult& reply = *answer;
     if (!reply) {
-        qCCritical(aiLog).noquote() << u"polish failed: %1"_s.arg(description(reply.error()));
+        qCCritical(aiLog).noquote() << u"polish failed: %1"_s.arg(outline(reply.error()));
         co_return plain;
     }
     const auto reason = co_await unlessOvertaken(near_.tasks, dictation, rejection(*reply, base));
@@ -113,7 +113,9 @@ QCoro::Task<Ending> FinishingFlows::polished(SharedDictation dictation, QString 
         qCInfo(aiLog).noquote() << u"polish rejected: reason=%1 chars=%2"_s.arg(**reason, length(*reply));
         co_return plain;
     }
-    co_return Ending::plain(*reply, dictation->transcript());
+    Ending polish = Ending::plain(*reply, dictation->transcript());
+    polish.isReply = true;
+    co_return std::as_const(polish);
 }
 
 QCoro::Task<Ending> FinishingFlows::generated(SharedDictation dictation, QString instruction,
@@ -131,7 +133,8 @@ QCoro::Task<Ending> FinishingFlows::generated(SharedDictation dictation, QString
     const AIResult reply = co_await near_.service.generate(instruction, context, dictation->profile, *with);
     if (!reply)
         co_return failed(kind, reply.error());
-    co_return Ending{.text = *reply, .raw = instruction, .kind = kind, .problem = {}, .replaces = {}};
+    co_return Ending{
+        .text = *reply, .raw = instruction, .kind = kind, .problem = {}, .isReply = true, .replaces = {}};
 }
 
 QCoro::Task<Ending> FinishingFlows::edited(SharedDictation dictation, QString instruction, Asking asking) {
@@ -149,7 +152,12 @@ QCoro::Task<Ending> FinishingFlows::edited(SharedDictation dictation, QString in
         co_await near_.service.edit(selection.text, instruction, dictation->profile, *with);
     if (!reply)
         co_return failed(kind, reply.error());
-    co_return Ending{.text = *reply, .raw = instruction, .kind = kind, .problem = {}, .replaces = selection};
+    co_return Ending{.text = *reply,
+                     .raw = instruction,
+                     .kind = kind,
+                     .problem = {},
+                     .isReply = true,
+                     .replaces = selection};
 }
 
 QCoro::Task<QString> FinishingFlows::testAIConnection() {

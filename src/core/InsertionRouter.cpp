@@ -3,6 +3,7 @@
 #include "core/AppModel.h"
 #include "delivery/AXInsertService.h"
 #include "delivery/ContextDetector.h"
+#include "delivery/DeliveredText.h"
 #include "delivery/ElectronApplications.h"
 #include "delivery/PasteService.h"
 #include "delivery/TypingService.h"
@@ -31,7 +32,8 @@ InsertionRouter::InsertionRouter(AppModel& model, Platform& platform, AXInsertSe
                                  TypingService& typing, PasteService& paste)
     : model_(model), platform_(platform), accessibility_(accessibility), typing_(typing), paste_(paste) {}
 
-bool InsertionRouter::insertText(const QString& text, const Target& target) {
+bool InsertionRouter::insertText(const QString& given, const Target& target) {
+    const QString text = DeliveredText::cleared(given);
     if (WhiteSpace::trimmed(text, WhiteSpace::Set::whitespacesAndNewlines).isEmpty())
         return false;
     if (!platform_.trust.isProcessTrusted()) {
@@ -120,6 +122,8 @@ bool InsertionRouter::isElectron(const RunningApplication& application) {
 }
 
 void InsertionRouter::pasteAgain() {
+    if (platform_.sessionWatch.isAway())
+        return; // the window in front is the one that asks for a password
     const QString undelivered = model_.undeliveredText();
     const QString text = undelivered.isEmpty() ? model_.lastInsertedText() : undelivered;
     if (!text.isEmpty())

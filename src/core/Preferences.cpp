@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -18,6 +19,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace velorin {
 namespace {
+
+constexpr qint64 longestMinutes = 24LL * 60; // nobody dictates for longer than a day
 
 /// A modifier word of the older store, bit by bit.
 ShortcutModifiers modifiersFromLegacyWord(qint64 word) {
@@ -97,6 +100,8 @@ void Preferences::loadDictation() {
         model_.setCleanMode(*mode);
     if (const auto language = fromRawString<Language>(text(u"language"_s)))
         model_.setLanguage(*language);
+    if (const auto minutes = DefaultsValues::integer(defaults_, u"longestDictationMinutes"_s); minutes > 0)
+        model_.setLongestDictationMinutes(static_cast<int>(std::min<qint64>(minutes, longestMinutes)));
     if (const auto words = DefaultsValues::stringArray(defaults_, u"customVocabulary"_s))
         model_.setCustomVocabulary(*words);
     if (const auto list = wordReplacementsFromJson(text(u"wordReplacements"_s).toUtf8()))
@@ -190,6 +195,7 @@ void Preferences::persistAI() {
     defaults_.set(u"aiTranscriptionModels"_s, toJsonMap(model_.aiTranscriptionModels()));
     defaults_.set(u"aiEndpoint"_s, model_.aiEndpoint());
     defaults_.set(u"aiModel"_s, model_.aiModel());
+    defaults_.set(u"longestDictationMinutes"_s, model_.longestDictationMinutes());
 }
 
 ShortcutConfiguration Preferences::migrateLegacyTrigger(UserDefaults& defaults) {

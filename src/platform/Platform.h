@@ -13,6 +13,7 @@
 #include "platform/LatencyMarks.h"
 #include "platform/Pasteboard.h"
 #include "platform/SecretStore.h"
+#include "platform/SessionWatch.h"
 #include "platform/SpeechRecognition.h"
 #include "platform/SyntheticKeyboard.h"
 #include "platform/Trust.h"
@@ -42,6 +43,7 @@ struct Platform {
     HttpSession& chatSession;
     HttpSession& transcriptionSession;
     UserAccount& userAccount;
+    SessionWatch& sessionWatch;
 };
 
 } // namespace velorin

@@ -14,17 +14,20 @@ namespace {
 
 /// A WAV file of nothing but its header has 44 bytes.
 constexpr qint64 smallestWithSound = 45;
+constexpr qint64 bytesOfAFrame = 2;
 
 } // namespace
 
 std::shared_ptr<RecordingWriter> RecordingWriter::make(const ApplicationFolders& folders,
                                                        AudioFileFactory& files,
                                                        AudioConverterFactory& converters,
-                                                       const AudioFormat& inputFormat) {
+                                                       const AudioFormat& inputFormat,
+                                                       std::optional<qint64> mostBytes) {
     const QString path = folders.temporaryFolder() + u"/velorin-"_s +
                          QUuid::createUuid().toString(QUuid::WithoutBraces) + u".wav"_s;
     auto writer = std::make_shared<RecordingWriter>();
     writer->path_ = path;
+    writer->mostBytes_ = mostBytes;
     writer->file_ = files.create(path, fileFormat);
     if (writer->file_) {
         writer->format_ = writer->file_->processingFormat();
@@ -38,10 +41,16 @@ std::shared_ptr<RecordingWriter> RecordingWriter::make(const ApplicationFolders&
 }
 
 void RecordingWriter::write(const AudioBuffer& buffer) {
-    if (!file_)
+    if (!file_ || loss_ == Loss::tooLong)
         return;
-    if (const auto converted = convert(buffer, *converter_, format_))
-        file_->write(*converted);
+    const auto converted = convert(buffer, *converter_, format_);
+    if (!converted)
+        return;
+    bytes_ += qint64{converted->frames()} * bytesOfAFrame;
+    if (mostBytes_ && bytes_ > *mostBytes_)
+        loss_ = Loss::tooLong;
+    else if (!file_->write(*converted))
+        loss_ = Loss::samples;
 }
 
 std::optional<QString> RecordingWriter::finish() {

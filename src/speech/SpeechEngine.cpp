@@ -54,9 +54,11 @@ struct SpeechEngine::Take {
     std::function<void(const SpeechEngineError&)> onError;
     std::function<void(const QString&)> onStatus;
     std::function<void(qint64, qint64)> onModelProgress;
+    std::function<void(RecordingWriter::Loss)> onRecordingCut;
     std::function<void(float)> onAudioLevel;
     QStringList contextualStrings;
     bool recordsAudio = false;
+    std::optional<qint64> mostRecordedBytes;
     LatencyMarks::Number number = 0; ///< Of the dictation, for its stages.
 
     std::shared_ptr<SpeechAnalyzer> analyzer;
@@ -90,9 +92,11 @@ SpeechEngine::SharedTake SpeechEngine::makeTake(QString localeIdentifier) const 
     take->onError = onError;
     take->onStatus = onStatus;
     take->onModelProgress = onModelProgress;
+    take->onRecordingCut = onRecordingCut;
     take->onAudioLevel = onAudioLevel;
     take->contextualStrings = cleaned(contextualStrings);
     take->recordsAudio = recordsAudio;
+    take->mostRecordedBytes = mostRecordedBytes;
     take->number = marksOf.value_or(marks_.newest());
     return take;
 }
@@ -138,7 +142,8 @@ QCoro::Task<SpeechEngine::Outcome> SpeechEngine::launch(SharedTake take, AudioFo
         co_return gone();
     take->input = recognition_.makeInput();
     if (take->recordsAudio) {
-        take->recording = RecordingWriter::make(folders_, files_, converters_, microphone);
+        take->recording =
+            RecordingWriter::make(folders_, files_, converters_, microphone, take->mostRecordedBytes);
         if (take->recording)
             recordings_.insert(take->recording);
     }
@@ -298,6 +303,8 @@ QCoro::Task<std::optional<QString>> SpeechEngine::stop() {
 std::optional<QString> SpeechEngine::finishRecording(Take& take) {
     const auto writer = std::exchange(take.recording, nullptr);
     recordings_.erase(writer);
+    if (writer && writer->loss() && take.onRecordingCut)
+        take.onRecordingCut(*writer->loss());
     return writer ? writer->finish() : std::nullopt;
 }
 

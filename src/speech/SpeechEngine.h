@@ -50,6 +50,8 @@ public:
     std::function<void(const QString& status)> onStatus;
     /// Bytes of the model that are here, of bytes in all.
     std::function<void(qint64 received, qint64 total)> onModelProgress;
+    /// The recording that `stop` gives is not all of what was said. Within `stop`.
+    std::function<void(RecordingWriter::Loss loss)> onRecordingCut;
     /// Once per buffer, from 0 to 1, on the audio thread.
     std::function<void(float level)> onAudioLevel;
 
@@ -57,6 +59,8 @@ public:
     QStringList contextualStrings;
     /// Whether to keep a recording.
     bool recordsAudio = false;
+    /// How many bytes of it, at most; none for as many as come.
+    std::optional<qint64> mostRecordedBytes;
     /// Whose stages are marked; none for the newest dictation.
     std::optional<LatencyMarks::Number> marksOf;
 

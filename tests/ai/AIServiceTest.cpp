@@ -83,6 +83,28 @@ TEST_F(AnAIService, ABlankKeyIsNotSent) {
     EXPECT_EQ(chat.requests.front().headers.size(), 1);
 }
 
+TEST_F(AnAIService, AKeyGoesOverNoNetworkUnencrypted) {
+    AIConfiguration open = configuration();
+    for (const auto& address :
+         {u"http://ai.example.org/v1"_s, u"http://printer.local:1234"_s, u"http://127.0.0.1.example.org"_s}) {
+        open.endpoint = address;
+        EXPECT_EQ(words(polish(open)),
+                  u"This provider's address is not encrypted, so no key is sent there. Use https."_s);
+        EXPECT_EQ(words(transcribe(recording("RIFF"), open)),
+                  u"This provider's address is not encrypted, so no key is sent there. Use https."_s);
+    }
+    EXPECT_TRUE(chat.requests.empty());
+    EXPECT_TRUE(transcription.requests.empty());
+    for (const auto& address : {u"https://ai.example.org/v1"_s, u"http://localhost"_s,
+                                u"http://127.0.0.1:1"_s, u"http://[::1]:11434/v1"_s}) {
+        open.endpoint = address;
+        EXPECT_TRUE(polish(open)) << address.toStdString();
+    }
+    open.endpoint = u"http://printer.local:1234"_s;
+    open.apiKey.clear();
+    EXPECT_TRUE(polish(open)) << "without a key there is nothing to give away";
+}
+
 TEST_F(AnAIService, ABadEndpointGoesBeforeAMissingModel) {
     auto bad = configuration();
     bad.model.clear();

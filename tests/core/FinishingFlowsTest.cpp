@@ -117,7 +117,7 @@ TEST_F(FinishingFlow, APolishThatFailsIsDroppedInSilence) {
     say(u"one two three four"_s);
     EXPECT_EQ(model->lastInsertedText(), u"One two three four"_s);
     expectEnd(u"Idle"_s, OverlayPhase::done, std::nullopt);
-    EXPECT_TRUE(log.lines().contains(u"ai: polish failed: No network."_s));
+    EXPECT_TRUE(log.lines().contains(u"ai: polish failed: connection chars=11"_s));
 }
 
 TEST_F(FinishingFlow, APolishThatIsOvertakenDeliversThePlainTextAtOnceAndOnce) {
@@ -256,6 +256,40 @@ TEST_F(FinishingFlow, AnEditWithoutWordsSaysSo) {
               u"No instruction heard. Select text and say what to change."_s);
 }
 
+TEST_F(FinishingFlow, ARefusalThatRepeatsWhatItWasAskedIsInNoLogLine) {
+    configureGenerate();
+    chatSession.answer = HttpResponse{400, R"({"error": {"message": "bad: swordfish"}})"};
+    say(u"generate swordfish"_s);
+    EXPECT_TRUE(log.lines().contains(u"ai: generate failed: http status=400 chars=14"_s));
+    EXPECT_TRUE(log.lines().filter(u"swordfish"_s).isEmpty());
+    EXPECT_TRUE(model->errorMessage()->contains(u"swordfish"_s)) << "the user may know";
+}
+
+TEST_F(FinishingFlow, ARefusalOfAnyLengthIsShortAndPrintable) {
+    configureGenerate();
+    chatSession.answer =
+        HttpResponse{400, "{\"error\": {\"message\": \"\\u001b[2Jno" + QByteArray(1'000'000, 'x') + "\"}}"};
+    say(u"generate a note"_s);
+    EXPECT_LE(model->errorMessage()->size(), 230);
+    EXPECT_FALSE(model->errorMessage()->contains(QChar(0x1b)));
+}
+
+TEST_F(FinishingFlow, AReplyGoesIntoATerminalOnOneLineAndWithoutControls) {
+    configureGenerate();
+    model->setContextMode(ContextMode::terminal);
+    chatSession.answerChat(u"ls\n\u001b[201~rm -r x\r"_s);
+    say(u"generate a command"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"ls [201~rm -r x"_s);
+    EXPECT_EQ(model->history().first().text, u"ls [201~rm -r x"_s);
+}
+
+TEST_F(FinishingFlow, ElsewhereAReplyKeepsItsLines) {
+    configureGenerate();
+    chatSession.answerChat(u"Dear Ada,\r\n\u202egood\u0007bye"_s);
+    say(u"generate a letter"_s);
+    EXPECT_EQ(model->lastInsertedText(), u"Dear Ada,\ngoodbye"_s);
+}
+
 TEST_F(FinishingFlow, AnEditThatFailsSaysWhy) {
     configureEdit();
     chatSession.answer = HttpResponse{500, "<html>"};
@@ -372,7 +406,7 @@ TEST_F(FinishingFlow, ATranscriptionThatFailsIsToldWhileTheRecognisersTextIsPoli
     EXPECT_EQ(model->lastInsertedText(), u"One two, three four."_s);
     expectEnd(u"Idle"_s, OverlayPhase::done,
               u"Provider transcription failed; used Apple’s on-device transcript. No network."_s);
-    EXPECT_TRUE(log.lines().contains(u"ai: provider transcription failed: No network."_s));
+    EXPECT_TRUE(log.lines().contains(u"ai: provider transcription failed: connection chars=11"_s));
     EXPECT_FALSE(QFile::exists(audioFiles.paths.front()));
 }
 

@@ -20,6 +20,7 @@
 #include "tests/support/FakeLanguageModel.h"
 #include "tests/support/FakePasteboard.h"
 #include "tests/support/FakeSecretStore.h"
+#include "tests/support/FakeSessionWatch.h"
 #include "tests/support/FakeSpeechRecognition.h"
 #include "tests/support/FakeSyntheticKeyboard.h"
 #include "tests/support/FakeTrust.h"
@@ -85,11 +86,13 @@ struct ModelDesk {
     FakeHttpSession chatSession;
     FakeHttpSession transcriptionSession;
     FakeUserAccount userAccount;
+    FakeSessionWatch sessionWatch;
     FakeOverlay hud;
-    Platform platform{clock,      defaults,   folders,     secrets,       trust,         tap,
-                      keyboard,   pasteboard, workspace,   accessibility, languageModel, audioInput,
-                      converters, audioFiles, recognition, marks,         chatSession,   transcriptionSession,
-                      userAccount};
+    Platform platform{
+        clock,       defaults,    folders,     secrets,       trust,         tap,
+        keyboard,    pasteboard,  workspace,   accessibility, languageModel, audioInput,
+        converters,  audioFiles,  recognition, marks,         chatSession,   transcriptionSession,
+        userAccount, sessionWatch};
     FakeFinishing* finishing = nullptr;
     FakeSelection* selection = nullptr;
     std::unique_ptr<AppModel> model;

@@ -389,6 +389,87 @@ TEST_F(Overlap, NoPreviewBeginsUntilTheLastTextIsDelivered) {
     EXPECT_TRUE(model->hasPreviewText());
 }
 
+TEST_F(Overlap, ALockedScreenEndsADictationAndGetsNothingOfIt) {
+    prepare(Kind::plain);
+    begin(Trigger::toggle);
+    const auto first = speak(u"for nobody else"_s);
+    sessionWatch.set(true);
+    settle();
+    EXPECT_FALSE(audioInput.isOpen()) << "nobody listens to an empty room";
+    recognise(first);
+    sessionWatch.set(false);
+    EXPECT_THAT(delivered(), IsEmpty());
+    EXPECT_THAT(inHistory(), ElementsAre(u"For nobody else"_s));
+    EXPECT_EQ(model->undeliveredText(), u"For nobody else"_s);
+    EXPECT_EQ(model->errorMessage(), u"The screen was locked, so the text was not inserted."_s);
+    edge(ShortcutEvent::copyAgainTriggered);
+    EXPECT_THAT(delivered(), ElementsAre(u"For nobody else"_s)) << "on the user's word";
+    expectRest();
+}
+
+TEST_F(Overlap, WhatIsStillBeingFinishedWhenTheScreenIsLockedIsNotDeliveredAfterwards) {
+    prepare(Kind::polish);
+    begin(Trigger::hold);
+    const auto first = speak(u"one two three four"_s);
+    end(Trigger::hold);
+    recognise(first);
+    ASSERT_TRUE(waitUntil([this] { return !chatSession.pending.empty(); }));
+    sessionWatch.set(true);
+    sessionWatch.set(false);
+    answerAll();
+    ASSERT_TRUE(waitUntilSettled());
+    EXPECT_THAT(delivered(), IsEmpty());
+    EXPECT_EQ(model->undeliveredText(), u"One two, three four."_s);
+}
+
+TEST_F(Overlap, NothingStartsAndNothingIsCopiedAgainWhileTheScreenIsLocked) {
+    prepare(Kind::plain);
+    begin(Trigger::hold);
+    const auto first = speak(u"before"_s);
+    end(Trigger::hold);
+    recognise(first);
+    sessionWatch.set(true);
+    begin(Trigger::hold);
+    end(Trigger::hold);
+    edge(ShortcutEvent::copyAgainTriggered);
+    EXPECT_EQ(audioInput.starts.size(), 1U);
+    EXPECT_EQ(delivered().size(), 1);
+    sessionWatch.set(false);
+    begin(Trigger::hold);
+    EXPECT_TRUE(model->isRecording());
+}
+
+TEST_F(Overlap, ADictationThatGoesOnForTooLongEndsAsIfStoppedAndIsDelivered) {
+    prepare(Kind::plain);
+    model->setLongestDictationMinutes(2);
+    begin(Trigger::toggle);
+    const auto first = speak(u"endless"_s);
+    clock.advance(std::chrono::seconds(119));
+    EXPECT_TRUE(model->isRecording());
+    clock.advance(std::chrono::seconds(1));
+    settle();
+    EXPECT_FALSE(model->isRecording());
+    EXPECT_EQ(model->shortcutSession().activeMode, std::nullopt);
+    recognise(first);
+    EXPECT_THAT(delivered(), ElementsAre(u"Endless"_s));
+    expectRest();
+}
+
+TEST_F(Overlap, ARecordingThatIsNotWholeIsNotSent) {
+    prepare(Kind::transcription);
+    begin(Trigger::hold);
+    const auto first = speak(u"one"_s);
+    audioFiles.writeSucceeds = false;
+    audioInput.block(someSound());
+    end(Trigger::hold);
+    recognise(first);
+    EXPECT_TRUE(transcriptionSession.requests.empty());
+    EXPECT_THAT(delivered(), ElementsAre(u"One"_s));
+    EXPECT_EQ(model->errorMessage(),
+              u"The recording is not whole, so it was not sent; this computer's own transcript was used."_s);
+    expectRest();
+}
+
 TEST_F(Overlap, RecordingsGoWhenTheProgramEndsInTheMidst) {
     const __lsan::ScopedDisabler whatWaitsAtTheEndIsNeverResumed;
     prepare(Kind::transcription);

@@ -199,7 +199,7 @@ TEST_F(PreferencesOfTheModel, AreWrittenWholeAndInOrder) {
                             u"historyEnabled"_s, u"contextMode"_s, u"aiProviderConfigs"_s, u"aiProvider"_s,
                             u"aiEnabled"_s, u"aiPolishEnabled"_s, u"aiGenerateEnabled"_s,
                             u"aiGenerateTrigger"_s, u"aiTranscriptionEnabled"_s, u"aiTranscriptionModels"_s,
-                            u"aiEndpoint"_s, u"aiModel"_s));
+                            u"aiEndpoint"_s, u"aiModel"_s, u"longestDictationMinutes"_s));
 }
 
 TEST_F(PreferencesOfTheModel, VocabularyIgnoresCaseWhenAddingAndHeedsItWhenRemoving) {
@@ -212,6 +212,14 @@ TEST_F(PreferencesOfTheModel, VocabularyIgnoresCaseWhenAddingAndHeedsItWhenRemov
     EXPECT_EQ(model->customVocabulary(), QStringList{u"Zoë"_s});
     model->removeVocabulary(u"Zoë"_s);
     EXPECT_TRUE(model->customVocabulary().isEmpty());
+}
+
+TEST_F(PreferencesOfTheModel, TheLongestDictationIsADayAtMostAndTwoHoursUnlessToldOtherwise) {
+    defaults.values = {{u"longestDictationMinutes"_s, -5}};
+    EXPECT_EQ(start().longestDictationMinutes(), 120);
+    endModel();
+    defaults.values = {{u"longestDictationMinutes"_s, 1e9}};
+    EXPECT_EQ(start().longestDictationMinutes(), 24 * 60);
 }
 
 TEST_F(PreferencesOfTheModel, TheIntroductionIsDoneOnce) {

@@ -52,6 +52,35 @@ TEST_F(SpeechEngineRecording, HasANewNameEachTime) {
     EXPECT_NE(files.paths.at(0), files.paths.at(1));
 }
 
+TEST_F(SpeechEngineRecording, TellsThatItIsNotWhole) {
+    std::vector<RecordingWriter::Loss> losses;
+    engine->onRecordingCut = [&losses](RecordingWriter::Loss loss) { losses.push_back(loss); };
+    ASSERT_TRUE(start());
+    input.block(buffer());
+    files.writeSucceeds = false;
+    input.block(buffer());
+    files.writeSucceeds = true;
+    input.block(buffer());
+    EXPECT_TRUE(stop());
+    EXPECT_EQ(losses, std::vector{RecordingWriter::Loss::samples});
+    ASSERT_TRUE(start());
+    input.block(buffer());
+    EXPECT_TRUE(stop());
+    EXPECT_THAT(losses, SizeIs(1)) << "each has its own";
+}
+
+TEST_F(SpeechEngineRecording, GrowsNoLongerThanItMay) {
+    std::vector<RecordingWriter::Loss> losses;
+    engine->onRecordingCut = [&losses](RecordingWriter::Loss loss) { losses.push_back(loss); };
+    engine->mostRecordedBytes = 1000;
+    ASSERT_TRUE(start());
+    for (int i = 0; i < 20; ++i)
+        input.block(buffer());
+    EXPECT_TRUE(stop());
+    EXPECT_EQ(losses, std::vector{RecordingWriter::Loss::tooLong});
+    EXPECT_LT(files.writes, 20);
+}
+
 TEST_F(SpeechEngineRecording, IsNotMadeUnlessAskedFor) {
     engine->recordsAudio = false;
     ASSERT_TRUE(start());

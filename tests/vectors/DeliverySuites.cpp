@@ -115,7 +115,8 @@ QJsonValue route(const QJsonObject& in) {
                       given.marks,
                       given.chatSession,
                       given.transcriptionSession,
-                      given.userAccount};
+                      given.userAccount,
+                      given.sessionWatch};
     AppModel model(platform, {.finishing = nullptr, .selection = nullptr, .hud = desk.hud});
     model.setErrorMessage(std::nullopt);
     desk.trust.processTrusted = in[u"trusted"].toBool();
