@@ -20,6 +20,10 @@ std::chrono::milliseconds leftUntil(Moment end) {
     return std::chrono::floor<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
 }
 
+std::size_t indexOf(PasteboardSelection selection) {
+    return selection == PasteboardSelection::clipboard ? 0 : 1;
+}
+
 /// Whether what is pasted goes through a page, as in all browsers but one.
 bool isPage(const std::optional<RunningApplication>& target) {
     const auto kin = target ? target->kin : std::nullopt;
@@ -71,7 +75,7 @@ bool PasteService::insert(const QString& text, const std::optional<RunningApplic
 }
 
 std::optional<PasteService::Paste>& PasteService::pasteOf(PasteboardSelection selection) {
-    return pastes_[selection == PasteboardSelection::clipboard ? 0 : 1];
+    return pastes_[indexOf(selection)];
 }
 
 bool PasteService::isStillOurs(const Paste& paste) {
@@ -149,9 +153,19 @@ void PasteService::finish(PasteboardSelection selection, bool read) {
     // Moved out first: the callback may paste again.
     const auto paste = std::exchange(pasteOf(selection), std::nullopt);
     if (!paste->saved.empty())
-        pasteboard_.restore(selection, paste->saved, paste->changeCount);
+        restore(selection, *paste);
     if (!read && onUnverifiedPaste)
         onUnverifiedPaste(paste->text);
+}
+
+void PasteService::restore(PasteboardSelection selection, const Paste& paste) {
+    const bool isBack = pasteboard_.restore(selection, paste.saved, paste.changeCount);
+    if (!isBack || !isSecret(paste.saved))
+        return;
+    secretEnds_[indexOf(selection)] =
+        clock_.after(secretLife, [this, selection, count = pasteboard_.changeCount(selection)] {
+            pasteboard_.restore(selection, {}, count); // unless somebody has copied something since
+        });
 }
 
 QCoro::Task<std::optional<QString>> PasteService::copySelection(std::optional<RunningApplication> target,

@@ -36,6 +36,8 @@ public:
     /// How long a second paste waits for the application to read the text of the first one.
     static constexpr std::chrono::milliseconds earlierPasteDeadline{300};
     static constexpr std::chrono::milliseconds lookInterval{100};
+    /// Its owner would have taken a password back after a while, and cannot any more once it has been ours.
+    static constexpr std::chrono::seconds secretLife{30};
     /// How often the browser of a page is woken until the content has come back: its reading goes from one
     /// part of it to another, and now and then it sleeps over an answer until the server has something else.
     static constexpr std::chrono::milliseconds stirInterval{40};
@@ -127,12 +129,14 @@ private:
     void look(PasteboardSelection selection);
     void stirLater(PasteboardSelection selection);
     void finish(PasteboardSelection selection, bool read);
+    void restore(PasteboardSelection selection, const Paste& paste);
 
     Pasteboard& pasteboard_;
     SyntheticKeyboard& keyboard_;
     Trust& trust_;
     Clock& clock_;
     std::array<std::optional<Paste>, 2> pastes_;
+    std::array<Subscription, 2> secretEnds_;
     std::atomic<bool> isCopying_ =
         false;               ///< Then the selection belongs to the copy: nothing else touches it.
     QThreadPool background_; ///< Last: its end waits for what runs.

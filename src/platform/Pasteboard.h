@@ -13,6 +13,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <vector>
@@ -39,6 +40,16 @@ struct PasteboardEntry {
 
 /// All forms, in the order in which they are offered. Empty: there was nothing on the pasteboard.
 using PasteboardContents = std::vector<PasteboardEntry>;
+
+/// The mark that password managers here set for clipboard managers.
+inline constexpr char passwordHintType[] = "x-kde-passwordManagerHint";
+
+/// Whether its owner wants nobody to keep it.
+[[nodiscard]] inline bool isSecret(const PasteboardContents& contents) {
+    return std::ranges::any_of(contents, [](const PasteboardEntry& entry) {
+        return entry.type == concealedType || (entry.type == passwordHintType && entry.data == "secret");
+    });
+}
 
 /// Somebody who has read what we wrote, to the last byte.
 struct PasteboardFetch {

@@ -97,6 +97,27 @@ TEST_F(PasteServiceTest, GivesTheContentBackAfterTheDelay) {
     EXPECT_EQ(unverified, 0);
 }
 
+TEST_F(PasteServiceTest, WhatItsOwnerMarkedSecretDoesNotStayForGood) {
+    pasteboard.saved = PasteboardContents{{"UTF8_STRING", "UTF8_STRING", 8, "hunter2"},
+                                          {passwordHintType, passwordHintType, 8, "secret"}};
+    ASSERT_TRUE(paste.insert(u"hello"_s, target));
+    targetReads();
+    clock.advance(1s);
+    ASSERT_THAT(pasteboard.restored, SizeIs(1));
+    EXPECT_EQ(pasteboard.restored[0].contents, *pasteboard.saved) << "the mark comes back with it";
+    clock.advance(PasteService::secretLife);
+    ASSERT_THAT(pasteboard.restored, SizeIs(2));
+    EXPECT_TRUE(pasteboard.restored[1].contents.empty());
+    EXPECT_EQ(pasteboard.restored[1].expected, pasteboard.count) << "somebody's newer content would stay";
+}
+
+TEST_F(PasteServiceTest, WhatIsNoSecretStays) {
+    ASSERT_TRUE(paste.insert(u"hello"_s, target));
+    targetReads();
+    clock.advance(PasteService::secretLife * 2);
+    EXPECT_THAT(pasteboard.restored, SizeIs(1));
+}
+
 TEST_F(PasteServiceTest, WaitsForASlowTargetAndUntilItHasReadTwice) {
     EXPECT_TRUE(paste.insert(u"hello"_s, target));
     clock.advance(2950ms);

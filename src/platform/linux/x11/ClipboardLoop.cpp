@@ -9,8 +9,6 @@ namespace velorin {
 
 namespace {
 
-constexpr char passwordHintType[] = "x-kde-passwordManagerHint";
-
 bool isLatin1(const QString& text) {
     return std::ranges::all_of(text, [](QChar unit) { return unit.unicode() < 0x100; });
 }
@@ -179,7 +177,7 @@ void ClipboardLoop::handOver() {
     auto& state = stateOf(PasteboardSelection::clipboard);
     const auto manager = connection.atom("CLIPBOARD_MANAGER");
     if (!loop_.catchUp(Deadline(serverDeadline)) || !state.offer->isOwner() ||
-        ownerOf(manager) == XCB_WINDOW_NONE)
+        ownerOf(manager) == XCB_WINDOW_NONE || isSecret(state.offer->contents()))
         return;
     const auto time = loop_.serverTime(Deadline(serverDeadline)).value_or(XCB_CURRENT_TIME);
     const auto saveTargets = connection.atom("SAVE_TARGETS");

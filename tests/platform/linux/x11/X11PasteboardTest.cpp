@@ -365,7 +365,7 @@ TEST(X11Pasteboard, HandsWhatIsLeftToTheClipboardManagerAtTheEnd) {
     ASSERT_TRUE(manager->sync(Deadline(5s)));
     std::thread ending([] {
         X11Pasteboard pasteboard;
-        EXPECT_TRUE(pasteboard.write(clipboard, u"kept"_s));
+        EXPECT_TRUE(pasteboard.copy(clipboard, u"kept"_s));
     });
     std::optional<xcb_selection_request_event_t> request;
     EXPECT_TRUE(eventually([&] {
@@ -386,6 +386,26 @@ TEST(X11Pasteboard, HandsWhatIsLeftToTheClipboardManagerAtTheEnd) {
     xcb_send_event(manager->get(), 0, request->requestor, 0, reinterpret_cast<const char*>(&notify));
     manager->flush();
     ending.join();
+}
+
+TEST(X11Pasteboard, HandsNoSecretToTheClipboardManagerAtTheEnd) {
+    PrivateServer server;
+    const auto manager = XConnection::open();
+    const auto window = xcb_generate_id(manager->get());
+    xcb_create_window(manager->get(), 0, window, manager->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_set_selection_owner(manager->get(), window, manager->atom("CLIPBOARD_MANAGER"), 0);
+    ASSERT_TRUE(manager->sync(Deadline(5s)));
+    {
+        X11Pasteboard pasteboard;
+        EXPECT_TRUE(pasteboard.restore(
+            clipboard,
+            {{"UTF8_STRING", "UTF8_STRING", 8, "hunter2"}, {passwordHintType, passwordHintType, 8, "secret"}},
+            pasteboard.changeCount(clipboard)));
+    }
+    ASSERT_TRUE(manager->sync(Deadline(5s)));
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(manager->get())})
+        EXPECT_NE(event->response_type & 0x7f, XCB_SELECTION_REQUEST);
 }
 
 TEST(X11Pasteboard, FailsInEveryOperationWithoutAServer) {
