@@ -165,5 +165,19 @@ TEST_F(CaptureLogOfTheModel, IsRevealedOnlyWhereItExists) {
     EXPECT_EQ(status(), u"No capture file yet."_s);
 }
 
+TEST_F(CaptureLogOfTheModel, WhatWasCutOffWhileItWasSwitchedOffIsMendedBeforeTheNextLine) {
+    QFile file(home.filePath(u"dictation-capture.jsonl"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("{\"raw\": \"half a li");
+    file.close();
+    start();
+    model->setCaptureDictations(true);
+    dictate(u"whole"_s);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const auto lines = file.readAll().trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 1);
+    EXPECT_EQ(QJsonDocument::fromJson(lines.front()).object()[u"raw"_s].toString(), u"whole"_s);
+}
+
 } // namespace
 } // namespace velorin

@@ -78,6 +78,7 @@ TEST_F(AKilledWriter, LeavesTheOldOrTheNewFiles) {
     int recorded = 0;
     for (int round = 0; round < kills && !HasFailure(); ++round) {
         recorded = killOnce(recorded + 1);
+        defaults.values[u"captureDictations"_s] = true;
         AppModel& reader = start();
         ASSERT_FALSE(reader.history().isEmpty()) << "after kill " << round;
         const int newest = numberOf(reader.history().first().text);
