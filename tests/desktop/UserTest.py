@@ -112,14 +112,16 @@ class Voice(unittest.TestCase):
         return max(correlation(first + 4800 + shift) for shift in range(-40, 41))
 
     def test_microphone_gives_its_first_sample_at_once(self):
-        times = []
+        first = Microphone()  # parec and its libraries are read from the disk once
+        first.read()
+        first.close()
+        slowest = 0
         for _ in range(5):
             microphone = Microphone()
-            times.append(microphone.read() - microphone.started)
+            slowest = max(slowest, microphone.read() - microphone.started)
             microphone.close()
-        usual = sorted(times)[2]  # a busy machine may be late with one of them
-        print(f"first sample of an idle microphone after {1000 * usual:.0f} ms, start of parec included")
-        self.assertLess(usual, 0.1)
+        print(f"first sample of an idle microphone after at most {1000 * slowest:.0f} ms, start of parec included")
+        self.assertLess(slowest, 0.1)
 
 
 if __name__ == "__main__":
